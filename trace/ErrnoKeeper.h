@@ -1,0 +1,26 @@
+#ifndef TRACE_ERRNOKEEPER_H
+#define TRACE_ERRNOKEEPER_H
+
+#include <cerrno>
+
+namespace trace
+{
+
+/** Gives errno back, at the end of its scope, the value that it had at the beginning. */
+class ErrnoKeeper
+{
+public:
+    ErrnoKeeper() noexcept : m_errno(errno) {}
+    ~ErrnoKeeper() { restore(); }
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+
+    void restore() const noexcept { errno = m_errno; }
+
+private:
+    const int m_errno;
+};
+
+} // namespace trace
+
+#endif
