@@ -1,0 +1,81 @@
+#include "HvxTrace.h"
+#include "TraceChannel.h"
+#include "TraceOutput.h"
+
+#include <memory>
+
+namespace
+{
+
+/** A message between its beginning and its end; one list for each thread, newest first. */
+struct OpenMessage
+{
+    const HvxTrace* channel;
+    HvxTraceLevel level;
+    const HvxTraceHeader* header;
+    std::string text;
+    std::unique_ptr<OpenMessage> next;
+};
+
+// A plain pointer: it can still be used while the thread's other objects are destroyed.
+thread_local OpenMessage* openMessages = nullptr;
+
+/** The thread's newest message on the channel; null when none was begun. */
+OpenMessage* findOpenMessage(const HvxTrace* channel)
+{
+    OpenMessage* message = openMessages;
+    while (message != nullptr && message->channel != channel) {
+        message = message->next.get();
+    }
+    return message;
+}
+
+/** Takes the thread's newest message on the channel out of its list. */
+std::unique_ptr<OpenMessage> takeOpenMessage(const HvxTrace* channel)
+{
+    std::unique_ptr<OpenMessage> list(openMessages);
+    std::unique_ptr<OpenMessage>* link = &list;
+    while (*link != nullptr && (*link)->channel != channel) {
+        link = &(*link)->next;
+    }
+    std::unique_ptr<OpenMessage> message = std::move(*link);
+    if (message) {
+        *link = std::move(message->next);
+    }
+    openMessages = list.release();
+    return message;
+}
+
+} // namespace
+
+HvxTrace::HvxTrace(const std::string& name, HvxTraceLevel level)
+    : m_state(&qeltrace::findChannel(name, level))
+{}
+
+HvxTrace::~HvxTrace() = default;
+
+void HvxTrace::beginLogMsg(HvxTraceLevel level, const HvxTraceHeader& header)
+{
+    std::unique_ptr<OpenMessage> older(openMessages);
+    openMessages = new OpenMessage{this, level, &header, {}, std::move(older)};
+}
+
+void HvxTrace::logMsgData(const char* data, unsigned int length)
+{
+    if (OpenMessage* message = findOpenMessage(this)) {
+        message->text.append(data, length);
+    }
+}
+
+void HvxTrace::logMsgData(char character)
+{
+    logMsgData(&character, 1);
+}
+
+void HvxTrace::endLogMsg()
+{
+    if (const std::unique_ptr<OpenMessage> message = takeOpenMessage(this)) {
+        const auto& channel = static_cast<const qeltrace::TraceChannel&>(*m_state);
+        qeltrace::emit(channel.name, message->level, *message->header, message->text);
+    }
+}

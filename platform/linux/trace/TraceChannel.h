@@ -1,0 +1,27 @@
+#ifndef PLATFORM_LINUX_TRACE_TRACECHANNEL_H
+#define PLATFORM_LINUX_TRACE_TRACECHANNEL_H
+
+#include "HvxTrace.h"
+
+#include <string>
+
+namespace qeltrace
+{
+
+/** Level of a channel for which neither its module nor the settings ask for another. */
+constexpr HvxTraceLevel DefaultLevel = 3;
+
+/** A named channel; all that open one of the same name share it. Never destroyed. */
+struct TraceChannel : HvxTraceState
+{
+    TraceChannel(std::string channelName, HvxTraceLevel channelLevel);
+
+    const std::string name;
+};
+
+/** The channel of that name, made at the first call with the level set for it or @p level. */
+TraceChannel& findChannel(const std::string& name, HvxTraceLevel level);
+
+} // namespace qeltrace
+
+#endif
