@@ -1,0 +1,11 @@
+/**
+ * @file
+ * @brief Marks the public interface of libbsp.
+ */
+#ifndef BSP_EXPORT_H
+#define BSP_EXPORT_H
+
+/** The library is built with hidden visibility; only what carries this mark is exported. */
+#define BSP_API __attribute__((visibility("default")))
+
+#endif

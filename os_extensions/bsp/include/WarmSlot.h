@@ -1,0 +1,49 @@
+/**
+ * @file
+ * @brief The board's slot id, shared by all processes and kept over warm restarts.
+ */
+#ifndef BSP_WARMSLOT_H
+#define BSP_WARMSLOT_H
+
+#include "BspExport.h"
+
+namespace os
+{
+namespace bsp
+{
+
+/**
+ * The slot id in the store of warm objects (WarmDatabase.h).
+ *
+ * Any number of objects, threads and processes may use it at the same time. Messages go to the
+ * trace channel "bsp.networking".
+ */
+class BSP_API WarmSlot
+{
+public:
+    /** Finds the slot id in the store, or creates it with the value -1. Does not throw. */
+    WarmSlot();
+
+    /**
+     * The slot id; -1 when none is set or the store is not available.
+     * @throws std::system_error when the lock of the slot id cannot be taken
+     */
+    int get() const;
+
+    /**
+     * Sets the slot id; does nothing when the store is not available.
+     * @throws std::system_error when the lock of the slot id cannot be taken
+     */
+    void set(const int& slotId);
+
+private:
+    struct SlotData;
+
+    SlotData* m_slotData = nullptr;
+    bool m_isValid = false;
+};
+
+} // namespace bsp
+} // namespace os
+
+#endif
