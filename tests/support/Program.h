@@ -1,0 +1,53 @@
+/**
+ * @file
+ * @brief Runs programs and looks at what they write and how they end.
+ */
+#ifndef TESTS_SUPPORT_PROGRAM_H
+#define TESTS_SUPPORT_PROGRAM_H
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace testsupport
+{
+
+/** What a program wrote and how it ended. */
+struct Outcome
+{
+    std::string out;
+    std::string err;
+    int status; /**< Exit status; 128 + N after signal N. */
+};
+
+/** How to start a program. */
+struct Program
+{
+    std::string path;                               /**< The file to run. */
+    std::vector<std::string> arguments;             /**< The words after the first. */
+    std::optional<std::string> name;                /**< First word, when it is not the path. */
+    std::map<std::string, std::string> environment; /**< Added to this process's environment. */
+    std::string directory;                          /**< Working directory, when not this one. */
+    bool foreign = false; /**< Built for the machine that runs the tests: needs no emulator. */
+    bool merged = false;  /**< Standard error goes where standard output goes. */
+    std::function<void()> prepare; /**< Called in the new process before the program starts. */
+
+    /** Runs it to its end. */
+    Outcome run() const;
+    /** Starts it with this process's streams; the caller waits for it. */
+    pid_t start() const;
+};
+
+/** A program of this project's build, such as "bsp" or "bsp-board". */
+Program tool(const std::string& name, std::vector<std::string> arguments = {});
+
+/** Waits for a process's end: its exit status, or 128 + N after signal N. */
+int waitFor(pid_t process);
+
+} // namespace testsupport
+
+#endif
