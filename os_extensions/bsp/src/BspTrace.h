@@ -1,0 +1,17 @@
+#ifndef BSP_SRC_BSPTRACE_H
+#define BSP_SRC_BSPTRACE_H
+
+#include "HvxTrace.h"
+
+namespace os
+{
+namespace bsp
+{
+
+/** The one trace channel of all board functions. */
+extern HvxTrace bspTrace;
+
+} // namespace bsp
+} // namespace os
+
+#endif
