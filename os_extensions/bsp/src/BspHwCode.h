@@ -1,0 +1,20 @@
+#ifndef BSP_SRC_BSPHWCODE_H
+#define BSP_SRC_BSPHWCODE_H
+
+#include "NxuHwVariant.h"
+
+namespace os
+{
+namespace bsp
+{
+
+/** The hardware code, read from the EEPROM at the first call of the process and never again. */
+const NxuHwCode& hwCode();
+
+/** The variant that the hardware code selects, searched for at the first call of the process. */
+const NxuHwVariant& selectedVariant();
+
+} // namespace bsp
+} // namespace os
+
+#endif
