@@ -1,9 +1,18 @@
+#include "BspCommands.h"
 #include "Command.h"
 
 namespace
 {
 
-const std::vector<Command> bspCommands{};
+// clang-format off: one function a line, in the order of the listing
+const std::vector<Command> bspCommands{
+    getHwRevisionCommand,     getFpgaPathCommand,         getBoardIdCommand,
+    getProductIdCommand,      getControlBackplaneCommand, getDspTypeCommand,
+    getRadiolinkModeCommand,  setRadiolinkModeCommand,    clearRadiolinkModeCommand,
+    getTrafClientModeCommand, setTrafClientModeCommand,   clearTrafClientModeCommand,
+    getTrafFpgaTypeCommand,
+};
+// clang-format on
 const std::vector<Command> ledCommands{};
 const std::vector<Command> rstateCommands{};
 
