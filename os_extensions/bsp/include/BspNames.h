@@ -1,9 +1,11 @@
 /**
  * @file
- * @brief Name tables: the texts of an enumeration's values.
+ * @brief Name tables: the texts of an enumeration's values. For C++ only.
  */
 #ifndef BSP_NAMES_H
 #define BSP_NAMES_H
+
+#ifdef __cplusplus
 
 #include <cstddef>
 #include <cstdint>
@@ -49,5 +51,7 @@ nameOf(const NameEntry (&table)[Size], Enumeration value)
 
 } // namespace bsp
 } // namespace os
+
+#endif
 
 #endif

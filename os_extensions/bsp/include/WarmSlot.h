@@ -1,11 +1,13 @@
 /**
  * @file
- * @brief The board's slot id, shared by all processes and kept over warm restarts.
+ * @brief The board's slot id, shared by all processes and kept over warm restarts. For C++ only.
  */
 #ifndef BSP_WARMSLOT_H
 #define BSP_WARMSLOT_H
 
 #include "BspExport.h"
+
+#ifdef __cplusplus
 
 namespace os
 {
@@ -45,5 +47,7 @@ private:
 
 } // namespace bsp
 } // namespace os
+
+#endif
 
 #endif

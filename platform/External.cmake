@@ -1,0 +1,33 @@
+# The board's own libraries take the place of the stand-ins; see docs/porting.md.
+
+if(NOT BSP_PLATFORM_LIBRARIES)
+  message(FATAL_ERROR "BSP_PLATFORM=external needs the board's libraries: BSP_PLATFORM_LIBRARIES")
+endif()
+
+add_library(bsp_platform INTERFACE)
+add_library(bsp_platform_static INTERFACE)
+target_include_directories(bsp_platform_interface BEFORE INTERFACE ${BSP_PLATFORM_INCLUDE_DIRS})
+target_link_libraries(bsp_platform INTERFACE bsp_platform_interface)
+target_link_libraries(bsp_platform_static INTERFACE bsp_platform_interface)
+
+set(BSP_PLATFORM_LINK_FLAGS)
+foreach(library ${BSP_PLATFORM_LIBRARIES})
+  if(IS_ABSOLUTE "${library}")
+    set(path "${library}")
+    if(NOT EXISTS "${path}")
+      message(FATAL_ERROR "BSP_PLATFORM_LIBRARIES names ${path}, which does not exist")
+    endif()
+    list(APPEND BSP_PLATFORM_LINK_FLAGS ${path})
+  else()
+    unset(path)
+    find_library(path ${library} PATHS ${BSP_PLATFORM_LIBRARY_DIRS} NO_CACHE NO_CMAKE_FIND_ROOT_PATH)
+    if(NOT path)
+      message(FATAL_ERROR "BSP_PLATFORM_LIBRARIES names ${library}, which is not in "
+        "'${BSP_PLATFORM_LIBRARY_DIRS}' (BSP_PLATFORM_LIBRARY_DIRS) nor in the system's folders")
+    endif()
+    list(APPEND BSP_PLATFORM_LINK_FLAGS -l${library})
+  endif()
+  target_link_libraries(bsp_platform INTERFACE ${path})
+  target_link_libraries(bsp_platform_static INTERFACE ${path})
+endforeach()
+set(BSP_PLATFORM_LINK_FLAGS ${BSP_PLATFORM_LINK_FLAGS} PARENT_SCOPE)
