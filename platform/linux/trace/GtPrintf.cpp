@@ -32,7 +32,7 @@ void GT_printf2(GT_TraceRecord* record, HvxTraceLevel level, const HvxTraceHeade
     // From now on the caller's own level test keeps disabled messages away from here.
     __atomic_store_n(&record->level, __atomic_load_n(&channel.level, __ATOMIC_RELAXED),
                      __ATOMIC_RELAXED);
-    if (channel.level < level) {
+    if (!channel.writes(level)) {
         return;
     }
     va_list values;

@@ -74,8 +74,9 @@ void HvxTrace::logMsgData(char character)
 
 void HvxTrace::endLogMsg()
 {
-    if (const std::unique_ptr<OpenMessage> message = takeOpenMessage(this)) {
-        const auto& channel = static_cast<const qeltrace::TraceChannel&>(*m_state);
-        qeltrace::emit(channel.name, message->level, *message->header, message->text);
+    const std::unique_ptr<OpenMessage> message = takeOpenMessage(this);
+    const auto* const channel = static_cast<const qeltrace::TraceChannel*>(m_state);
+    if (message && channel != nullptr && channel->writes(message->level)) {
+        qeltrace::emit(channel->name, message->level, *message->header, message->text);
     }
 }

@@ -16,7 +16,11 @@ struct TraceChannel : HvxTraceState
 {
     TraceChannel(std::string channelName, HvxTraceLevel channelLevel);
 
+    /** Whether messages of that level are written. */
+    bool writes(HvxTraceLevel messageLevel) const;
+
     const std::string name;
+    TraceChannel* next = nullptr; /**< The one that was made before it. */
 };
 
 /** The channel of that name, made at the first call with the level set for it or @p level. */

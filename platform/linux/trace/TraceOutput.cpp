@@ -1,11 +1,10 @@
 #include "TraceOutput.h"
+#include "TraceLine.h"
 #include "TraceSettings.h"
 
-#include <array>
 #include <atomic>
 #include <cerrno>
-#include <climits>
-#include <cstdio>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 
@@ -19,54 +18,40 @@ namespace qeltrace
 namespace
 {
 
-std::string currentTime()
+/** While it lives, a pipe without a reader is an error like others and ends no process. */
+class BrokenPipeGuard
 {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    std::array<char, sizeof "YYYY-MM-DDThh:mm:ss"> date{};
-    std::strftime(date.data(), date.size(), "%Y-%m-%dT%H:%M:%S", &local);
-    std::array<char, sizeof ".uuuuuu"> fraction{};
-    std::snprintf(fraction.data(), fraction.size(), ".%06u",
-                  static_cast<unsigned int>(now.tv_nsec / 1000) % 1000000U);
-    return std::string(date.data()) + fraction.data();
-}
-
-/** The text on one line: without a newline at its end, control characters as "\xHH". */
-std::string onOneLine(const std::string& text)
-{
-    const std::size_t length = !text.empty() && text.back() == '\n' ? text.size() - 1 : text.size();
-    std::string line;
-    for (std::size_t i = 0; i < length; ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte >= ' ' && byte != 0x7F) {
-            line += text[i];
-            continue;
+public:
+    BrokenPipeGuard()
+    {
+        sigemptyset(&m_brokenPipe);
+        sigaddset(&m_brokenPipe, SIGPIPE);
+        sigset_t pending{};
+        sigpending(&pending);
+        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &m_brokenPipe, &m_before);
+    }
+    ~BrokenPipeGuard()
+    {
+        const timespec now{};
+        while (!m_wasPending && sigtimedwait(&m_brokenPipe, nullptr, &now) == -1 && errno == EINTR)
+        {
         }
-        std::array<char, sizeof "\\xHH"> escaped{};
-        std::snprintf(escaped.data(), escaped.size(), "\\x%02X", static_cast<unsigned int>(byte));
-        line += escaped.data();
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
     }
-    return line;
-}
+    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
+    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
 
-std::string makeLine(const std::string& channel, HvxTraceLevel level, const HvxTraceHeader& header,
-                     const std::string& text)
-{
-    std::string line = currentTime() + ' ' + channel + '[' + std::to_string(getpid()) + "] " +
-                       std::to_string(level) + ' ' + header.file + ':' +
-                       std::to_string(header.line) + ' ' + onOneLine(text);
-    // A longer line could mix with another process's in a pipe.
-    if (line.size() >= PIPE_BUF) {
-        line.resize(PIPE_BUF - 1);
-    }
-    return line + '\n';
-}
+private:
+    sigset_t m_brokenPipe{};
+    sigset_t m_before{};
+    bool m_wasPending = false;
+};
 
 /** Writes the line with one call, so that it stays whole. */
 void writeLine(int fd, const std::string& line)
 {
+    const BrokenPipeGuard guard;
     while (::write(fd, line.data(), line.size()) == -1 && errno == EINTR) {
     }
 }
@@ -90,7 +75,9 @@ void writeToSyslog(HvxTraceLevel level, const std::string& line)
 /** Appends to the file; opened for each line, so that the file can be moved away at any time. */
 bool appendToFile(const std::string& fileName, const std::string& line)
 {
-    const int fd = ::open(fileName.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    // A named pipe that nobody reads must not make anyone wait.
+    const int fd = ::open(fileName.c_str(),
+                          O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (fd == -1) {
         return false;
     }

@@ -1,6 +1,8 @@
 #include "TraceSettings.h"
+#include "TraceLine.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 #include <unistd.h>
@@ -19,6 +21,14 @@ std::string environment(const char* variable)
     return text == nullptr ? "" : text;
 }
 
+/** The file's name from the root, since a program may change its directory. */
+std::string absolute(const std::string& fileName)
+{
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(fileName, error);
+    return error ? fileName : path.string();
+}
+
 /** A level is one digit from 0, which is silent, to 7. */
 std::optional<std::uint32_t> parseLevel(const std::string& text)
 {
@@ -34,7 +44,7 @@ void reportBadSetting(const std::string& variable, const std::string& setting,
                       const std::string& reason)
 {
     const std::string line =
-        "qeltrace: ignoring '" + setting + "' in " + variable + ": " + reason + "\n";
+        "qeltrace: ignoring '" + onOneLine(setting) + "' in " + variable + ": " + reason + "\n";
     // Nobody is left to tell when this write fails.
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
 }
@@ -68,7 +78,7 @@ void TraceSettings::readLevels(const std::string& levels)
     std::istringstream items(levels);
     for (std::string item; std::getline(items, item, ',');) {
         const std::size_t equals = item.rfind('=');
-        if (equals == std::string::npos || equals == 0) {
+        if (equals == std::string::npos || equals == 0 || item.find(' ') != std::string::npos) {
             reportBadSetting("QELTRACE_LEVEL", item, "not of the form CHANNEL=LEVEL");
             continue;
         }
@@ -91,7 +101,7 @@ void TraceSettings::readOutput(const std::string& output)
         m_output = Output::None;
     } else {
         m_output = Output::File;
-        m_fileName = output;
+        m_fileName = absolute(output);
     }
 }
 
