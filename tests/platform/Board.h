@@ -1,0 +1,30 @@
+#ifndef TESTS_PLATFORM_BOARD_H
+#define TESTS_PLATFORM_BOARD_H
+
+#include "Files.h"
+#include "TemporaryDirectory.h"
+
+#include <cstdlib>
+#include <string>
+
+namespace testsupport
+{
+
+/** A board directory of the test case's own, which the stand-ins of this process serve. */
+class Board : public TemporaryDirectory
+{
+public:
+    Board() { ::setenv("BSP_BOARD_DIR", path().c_str(), 1); }
+
+    /** Fills an entry. */
+    void write(const std::string& name, const std::string& contents) const
+    {
+        writeFile(file(name), contents);
+    }
+    bool has(const std::string& name) const { return std::filesystem::exists(file(name)); }
+    bool isEmpty() const { return std::filesystem::is_empty(path()); }
+};
+
+} // namespace testsupport
+
+#endif

@@ -1,0 +1,344 @@
+#include "Board.h"
+#include "DDevIo.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+using DDevIo::Device;
+using DDevIo::Factory;
+using DDevIo::IDevice;
+using DDevIo::IMutex;
+using DDevIo::PthreadMutex;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsNull;
+using testing::NotNull;
+using testsupport::Board;
+
+const char* const NoNames[] = {"", ".", "..", "/", "a/b", "../device", "/etc/passwd", "device/"};
+
+std::string wordsOf(std::initializer_list<unsigned int> words)
+{
+    return {reinterpret_cast<const char*>(words.begin()), words.size() * sizeof(unsigned int)};
+}
+
+/** Lock that writes down what happens to it. */
+class LoggingMutex : public IMutex
+{
+public:
+    explicit LoggingMutex(std::vector<std::string>& log) : m_log(log) {}
+    ~LoggingMutex() override { m_log.emplace_back("gone"); }
+    void lock() override { m_log.emplace_back("lock"); }
+    void unlock() override { m_log.emplace_back("unlock"); }
+
+private:
+    std::vector<std::string>& m_log;
+};
+
+std::unique_ptr<IDevice> open(const std::string& name)
+{
+    return Factory::getInstance().createUnique(name, std::make_unique<PthreadMutex>(0));
+}
+
+/** What a read gives; @p untouched when it fails, which is asserted. */
+unsigned int readOf(IDevice& device, std::size_t offset, unsigned int untouched = 0xDEAD)
+{
+    auto* const registers = dynamic_cast<Device<unsigned int>*>(&device);
+    EXPECT_THAT(registers, NotNull());
+    unsigned int value = untouched;
+    const int status = registers->read(offset, value);
+    EXPECT_EQ(status, value == untouched ? -1 : 0);
+    return value;
+}
+
+TEST(DeviceHandle, GivesADescriptorToMap)
+{
+    const Board board;
+    board.write("top.dtcm0", std::string(32768, 'x'));
+    const int handle = DDevIo_open("top.dtcm0");
+    ASSERT_GE(handle, 0);
+    const int fd = DDevIo_getFileDescriptor(handle);
+    void* const memory = ::mmap(nullptr, 32768, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    EXPECT_EQ(DDevIo_close(handle), 0);
+    static_cast<char*>(memory)[32767] = 'y'; // The mapping stays.
+    ASSERT_EQ(::munmap(memory, 32768), 0);
+    EXPECT_EQ(testsupport::readFile(board.file("top.dtcm0")), std::string(32767, 'x') + 'y');
+}
+
+TEST(DeviceHandle, IsNotForTheProgramsThatThisProcessStarts)
+{
+    const Board board;
+    board.write("device", "");
+    const int handle = DDevIo_open("device");
+    EXPECT_EQ(::fcntl(DDevIo_getFileDescriptor(handle), F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(DDevIo_close(handle), 0);
+}
+
+TEST(DeviceHandle, FollowsALinkToADeviceNode)
+{
+    const Board board;
+    ASSERT_EQ(::symlink("/dev/zero", board.file("device").c_str()), 0);
+    const int handle = DDevIo_open("device");
+    ASSERT_GE(handle, 0);
+    char byte = 'x';
+    EXPECT_EQ(::read(DDevIo_getFileDescriptor(handle), &byte, 1), 1);
+    EXPECT_EQ(byte, '\0');
+    EXPECT_EQ(DDevIo_close(handle), 0);
+}
+
+TEST(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
+{
+    const Board board;
+    errno = 0;
+    EXPECT_LT(DDevIo_open("device"), 0);
+    EXPECT_EQ(errno, ENOENT);
+    std::filesystem::create_directory(board.file("device"));
+    EXPECT_LT(DDevIo_open("device"), 0);
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_FALSE(board.has("other"));
+}
+
+TEST(DeviceHandle, IsRefusedForWhatIsNoName)
+{
+    const Board board;
+    board.write("device", "");
+    for (const char* name : NoNames) {
+        errno = 0;
+        EXPECT_LT(DDevIo_open(name), 0) << name;
+        EXPECT_EQ(errno, EINVAL) << name;
+    }
+    errno = 0;
+    EXPECT_LT(DDevIo_open(nullptr), 0);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(DeviceHandle, CannotBeClosedTwice)
+{
+    const Board board;
+    board.write("device", "");
+    const int handle = DDevIo_open("device");
+    EXPECT_EQ(DDevIo_close(handle), 0);
+    errno = 0;
+    EXPECT_LT(DDevIo_close(handle), 0);
+    EXPECT_EQ(errno, EBADF);
+    EXPECT_LT(DDevIo_close(-1), 0);
+}
+
+TEST(DeviceRegisters, AreReadInNativeByteOrder)
+{
+    const Board board;
+    board.write("top.sys_ctrl0", wordsOf({2, 0x80000001U, 0xFFFFFFFFU}));
+    const auto device = open("top.sys_ctrl0");
+    ASSERT_THAT(device, NotNull());
+    EXPECT_EQ(readOf(*device, 0), 2U);
+    EXPECT_EQ(readOf(*device, 4), 0x80000001U);
+    EXPECT_EQ(readOf(*device, 8), 0xFFFFFFFFU);
+}
+
+TEST(DeviceRegisters, AreReadAnewEachTime)
+{
+    const Board board;
+    board.write("device", wordsOf({1}));
+    const auto device = open("device");
+    EXPECT_EQ(readOf(*device, 0), 1U);
+    const int fd = ::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC);
+    const std::string changed = wordsOf({7});
+    ASSERT_EQ(::write(fd, changed.data(), changed.size()), 4);
+    ::close(fd);
+    EXPECT_EQ(readOf(*device, 0), 7U);
+}
+
+TEST(DeviceRegisters, AreReadWhereTheyCannotBeWritten)
+{
+    const Board board;
+    board.write("device", wordsOf({3}));
+    std::filesystem::permissions(board.file("device"), std::filesystem::perms::owner_read);
+    const auto device = open("device");
+    ASSERT_THAT(device, NotNull());
+    EXPECT_EQ(readOf(*device, 0), 3U);
+}
+
+TEST(DeviceRegisters, AreReadThroughALinkToADeviceNode)
+{
+    const Board board;
+    ASSERT_EQ(::symlink("/dev/zero", board.file("device").c_str()), 0);
+    const auto device = open("device");
+    ASSERT_THAT(device, NotNull());
+    EXPECT_EQ(readOf(*device, 0), 0U);
+}
+
+TEST(DeviceRegisters, EndWithTheFile)
+{
+    const Board board;
+    board.write("device", wordsOf({1, 2}) + "abc");
+    const auto device = open("device");
+    EXPECT_EQ(readOf(*device, 4), 2U);
+    EXPECT_EQ(readOf(*device, 8), 0xDEADU);
+    EXPECT_EQ(readOf(*device, 12), 0xDEADU);
+}
+
+TEST(DeviceRegisters, EndWithTheFirstPage)
+{
+    const Board board;
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    board.write("device", std::string(2 * page, 'a'));
+    const auto device = open("device");
+    EXPECT_EQ(readOf(*device, page - 4), 0x61616161U);
+    EXPECT_EQ(readOf(*device, page), 0xDEADU);
+    EXPECT_EQ(readOf(*device, ~std::size_t{3}), 0xDEADU);
+}
+
+TEST(DeviceRegisters, AreAligned)
+{
+    const Board board;
+    board.write("device", std::string(16, 'a'));
+    const auto device = open("device");
+    for (const std::size_t offset : {1U, 2U, 3U, 5U}) {
+        EXPECT_EQ(readOf(*device, offset), 0xDEADU) << offset;
+    }
+}
+
+TEST(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
+{
+    const Board board;
+    board.write("device", wordsOf({1, 2}));
+    const auto device = open("device");
+    ASSERT_EQ(::truncate(board.file("device").c_str(), 4), 0);
+    EXPECT_EQ(readOf(*device, 0), 1U);
+    EXPECT_EQ(readOf(*device, 4), 0xDEADU);
+    ASSERT_EQ(::truncate(board.file("device").c_str(), 0), 0);
+    EXPECT_EQ(readOf(*device, 0), 0xDEADU);
+}
+
+TEST(DeviceRegisters, OfAnEmptyFileAreNone)
+{
+    const Board board;
+    board.write("device", "");
+    const auto device = open("device");
+    ASSERT_THAT(device, NotNull());
+    EXPECT_EQ(readOf(*device, 0), 0xDEADU);
+}
+
+TEST(DeviceRegisters, AreReadUnderTheDevicesLock)
+{
+    const Board board;
+    board.write("device", wordsOf({1}));
+    std::vector<std::string> log;
+    auto device =
+        Factory::getInstance().createUnique("device", std::make_unique<LoggingMutex>(log));
+    EXPECT_THAT(log, IsEmpty());
+    EXPECT_EQ(readOf(*device, 0), 1U);
+    EXPECT_EQ(readOf(*device, 4), 0xDEADU);
+    EXPECT_THAT(log, ElementsAre("lock", "unlock", "lock", "unlock"));
+    device.reset();
+    EXPECT_THAT(log, ElementsAre("lock", "unlock", "lock", "unlock", "gone"));
+}
+
+TEST(DeviceRegisters, NeedNoLock)
+{
+    const Board board;
+    board.write("device", wordsOf({5}));
+    const auto device = Factory::getInstance().createUnique("device", nullptr);
+    EXPECT_EQ(readOf(*device, 0), 5U);
+}
+
+TEST(DeviceFactory, IsOne)
+{
+    EXPECT_EQ(&Factory::getInstance(), &Factory::getInstance());
+}
+
+TEST(DeviceFactory, MakesNothingOfWhatCannotBeOpenedAndMapped)
+{
+    const Board board;
+    EXPECT_THAT(open("device"), IsNull());
+    std::filesystem::create_directory(board.file("directory"));
+    EXPECT_THAT(open("directory"), IsNull());
+    ASSERT_EQ(::mkfifo(board.file("pipe").c_str(), 0600), 0);
+    EXPECT_THAT(open("pipe"), IsNull());
+    ASSERT_EQ(::symlink("nowhere", board.file("link").c_str()), 0);
+    EXPECT_THAT(open("link"), IsNull());
+}
+
+TEST(DeviceFactory, MakesNothingOfWhatIsNoName)
+{
+    const Board board;
+    board.write("device", wordsOf({1}));
+    for (const char* name : NoNames) {
+        EXPECT_THAT(open(name), IsNull()) << name;
+    }
+    EXPECT_THAT(open(std::string("device\0", 7)), IsNull());
+}
+
+TEST(DeviceFactory, EndsTheLockOfADeviceThatItCannotMake)
+{
+    const Board board;
+    std::vector<std::string> log;
+    EXPECT_THAT(Factory::getInstance().createUnique("none", std::make_unique<LoggingMutex>(log)),
+                IsNull());
+    EXPECT_THAT(log, ElementsAre("gone"));
+}
+
+TEST(DeviceFactory, LeavesNoDescriptorOpen)
+{
+    const Board board;
+    std::filesystem::create_directory(board.file("directory"));
+    board.write("device", wordsOf({1}));
+    const int before = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(before);
+    EXPECT_THAT(open("directory"), IsNull());
+    EXPECT_THAT(open("device"), NotNull());
+    const int after = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(after);
+    EXPECT_EQ(after, before);
+}
+
+TEST(DeviceMutex, KeepsThreadsApart)
+{
+    PthreadMutex mutex(0);
+    int count = 0;
+    const auto work = [&] {
+        for (int i = 0; i < 10000; ++i) {
+            mutex.lock();
+            ++count;
+            mutex.unlock();
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 20000);
+}
+
+TEST(DeviceMutex, IsOfTheTypeAskedFor)
+{
+    PthreadMutex recursive(PTHREAD_MUTEX_RECURSIVE);
+    recursive.lock();
+    recursive.lock();
+    recursive.unlock();
+    recursive.unlock();
+
+    PthreadMutex checking(PTHREAD_MUTEX_ERRORCHECK);
+    checking.lock();
+    EXPECT_THROW(checking.lock(), std::system_error);
+    checking.unlock();
+    EXPECT_THROW(checking.unlock(), std::system_error);
+}
+
+TEST(DeviceMutex, IsNotMadeOfAnUnknownType)
+{
+    EXPECT_THROW(PthreadMutex(4711), std::system_error);
+}
+
+} // namespace
