@@ -160,16 +160,6 @@ TEST(DeviceRegisters, AreReadAnewEachTime)
     EXPECT_EQ(readOf(*device, 0), 7U);
 }
 
-TEST(DeviceRegisters, AreReadWhereTheyCannotBeWritten)
-{
-    const Board board;
-    board.write("device", wordsOf({3}));
-    std::filesystem::permissions(board.file("device"), std::filesystem::perms::owner_read);
-    const auto device = open("device");
-    ASSERT_THAT(device, NotNull());
-    EXPECT_EQ(readOf(*device, 0), 3U);
-}
-
 TEST(DeviceRegisters, AreReadThroughALinkToADeviceNode)
 {
     const Board board;

@@ -19,12 +19,20 @@ namespace
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/** Whether there is an entry of any kind, be it a link to nowhere. */
+/** Whether there is an entry of that name. @throws std::runtime_error for a link to nowhere */
 bool exists(const std::string& path)
 {
-    struct stat status
+    struct stat entry
     {};
-    return ::lstat(path.c_str(), &status) == 0;
+    if (::lstat(path.c_str(), &entry) != 0) {
+        return false;
+    }
+    struct stat target
+    {};
+    if (S_ISLNK(entry.st_mode) && ::stat(path.c_str(), &target) != 0 && errno == ENOENT) {
+        throw std::runtime_error("a link to nowhere");
+    }
+    return true;
 }
 
 FileDescriptor openDraft(const std::string& path)
@@ -112,11 +120,11 @@ Result tryToCreate(const std::string& path, const std::string& key, const std::s
     if (!leadsTo(draft, file.get())) {
         return Result::Again;
     }
-    if (exists(path)) {
-        ::unlink(draft.c_str());
-        return Result::Exists;
-    }
     try {
+        if (exists(path)) {
+            ::unlink(draft.c_str());
+            return Result::Exists;
+        }
         complete(file, draft, path, key, value);
     } catch (...) {
         discard(file, draft);

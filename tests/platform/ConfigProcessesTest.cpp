@@ -1,0 +1,253 @@
+#include "Board.h"
+#include "NxuConfig.h"
+#include "Program.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+using os::bsp::NxuConfig;
+using testsupport::Board;
+using testsupport::waitFor;
+
+/** Runs the work in a forked process, which ends with 0 when it returns true. */
+pid_t inProcess(const std::function<bool()>& work)
+{
+    const pid_t process = ::fork();
+    if (process == 0) {
+        ::_exit(work() ? 0 : 1);
+    }
+    return process;
+}
+
+/** Objects that forked processes share with this one. */
+template <typename Type> class Shared
+{
+public:
+    Shared()
+        : m_memory(::mmap(nullptr, sizeof(Type), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                          -1, 0))
+    {
+        new (m_memory) Type();
+    }
+    ~Shared() { ::munmap(m_memory, sizeof(Type)); }
+    Shared(const Shared&) = delete;
+    Shared& operator=(const Shared&) = delete;
+    Type* operator->() const { return static_cast<Type*>(m_memory); }
+
+private:
+    void* m_memory;
+};
+
+/** A value that shows when it is not whole. */
+std::string valueOf(int number)
+{
+    const std::string digits = std::to_string(number);
+    return digits + ':' + std::string(1500, static_cast<char>('a' + number % 26)) + ':' + digits;
+}
+
+/** The number of a value; -1 for an empty one; no value of valueOf fails the test. */
+int numberOf(const std::string& value)
+{
+    const int number = value.empty() ? -1 : std::stoi(value);
+    EXPECT_TRUE(value.empty() || value == valueOf(number)) << value;
+    return number;
+}
+
+std::size_t openFiles()
+{
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
+}
+
+class ConfigProcesses : public testing::Test
+{
+protected:
+    const Board board;
+    NxuConfig config;
+};
+
+TEST_F(ConfigProcesses, SeeWhatOthersSet)
+{
+    EXPECT_TRUE(config.set("key", "parent"));
+    const pid_t child = inProcess([this] {
+        return config.get("key") == "parent" && config.set("key", "child") &&
+               config.get("key") == "child";
+    });
+    EXPECT_EQ(waitFor(child), 0);
+    EXPECT_EQ(config.get("key"), "child");
+    EXPECT_TRUE(config.set("key", "parent again"));
+}
+
+TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    EXPECT_EQ(config.get("key"), "value");
+    const std::size_t descriptors = openFiles();
+    std::function<bool(int)> generation = [&](int left) {
+        const bool isFine = config.get("key") == "value" && openFiles() == descriptors;
+        return isFine &&
+               (left == 0 || waitFor(inProcess([&] { return generation(left - 1); })) == 0);
+    };
+    EXPECT_EQ(waitFor(inProcess([&] { return generation(4); })), 0);
+}
+
+TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    std::atomic<bool> done{false};
+    std::thread writer([&] {
+        for (int i = 0; !done; ++i) {
+            EXPECT_TRUE(NxuConfig().set("thread", valueOf(i)));
+        }
+    });
+    for (int i = 0; i < 25; ++i) {
+        const pid_t child = inProcess(
+            [this] { return config.get("key") == "value" && config.set("child", "value"); });
+        EXPECT_EQ(waitFor(child), 0);
+    }
+    done = true;
+    writer.join();
+    EXPECT_EQ(config.get("child"), "value");
+}
+
+TEST_F(ConfigProcesses, DoNotHoldTheLockOfAnotherThatEnded)
+{
+    // A process forked from a writer lives on when the writer is killed at any moment.
+    for (int round = 0; round < 20; ++round) {
+        Shared<std::atomic<pid_t>> survivor;
+        const pid_t writer = ::fork();
+        if (writer == 0) {
+            std::thread thread([&] {
+                for (int i = 0;; ++i) {
+                    NxuConfig().set("key", valueOf(i));
+                }
+            });
+            std::this_thread::sleep_for(std::chrono::milliseconds(round));
+            *survivor.operator->() = inProcess([] { return ::pause() == 0; });
+            ::pause();
+        }
+        while (*survivor.operator->() == 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        ::kill(writer, SIGKILL);
+        waitFor(writer);
+        EXPECT_TRUE(config.set("other", "value"));
+        ::kill(*survivor.operator->(), SIGKILL);
+    }
+}
+
+TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
+{
+    for (int round = 0; round < 10; ++round) {
+        Shared<std::atomic<bool>> start;
+        std::vector<pid_t> processes;
+        for (int i = 0; i < 12; ++i) {
+            processes.push_back(inProcess([&start, i] {
+                while (!*start.operator->()) {
+                }
+                return NxuConfig().set("key " + std::to_string(i), valueOf(i));
+            }));
+        }
+        *start.operator->() = true;
+        for (const pid_t process : processes) {
+            EXPECT_EQ(waitFor(process), 0);
+        }
+        for (int i = 0; i < 12; ++i) {
+            EXPECT_EQ(config.get("key " + std::to_string(i)), valueOf(i));
+        }
+        EXPECT_FALSE(board.has("config.mdb.new"));
+        std::filesystem::remove(board.file("config.mdb"));
+    }
+}
+
+TEST_F(ConfigProcesses, ReadAndWriteAtOnce)
+{
+    constexpr int Writes = 40;
+    const auto writer = [](int id) {
+        bool isFine = true;
+        for (int i = 0; i < Writes; ++i) {
+            isFine = NxuConfig().set("key " + std::to_string(id), valueOf(i)) && isFine;
+            isFine = NxuConfig().set("common", valueOf(i)) && isFine;
+        }
+        return isFine;
+    };
+    const auto reader = [](int id) {
+        int last = -1;
+        bool isFine = true;
+        while (last < Writes - 1) {
+            const int number = numberOf(NxuConfig().get("key " + std::to_string(id)));
+            isFine = isFine && number >= last;
+            last = number;
+            numberOf(NxuConfig().get("common"));
+        }
+        return isFine && !testing::Test::HasFailure();
+    };
+    std::vector<pid_t> processes;
+    for (int id = 0; id < 4; ++id) {
+        processes.push_back(inProcess([&, id] { return writer(id); }));
+        processes.push_back(inProcess([&, id] { return reader(id); }));
+    }
+    for (const pid_t process : processes) {
+        EXPECT_EQ(waitFor(process), 0);
+    }
+    EXPECT_EQ(numberOf(config.get("common")), Writes - 1);
+}
+
+/** How far a writer came. */
+struct Progress
+{
+    std::atomic<int> begun{-1};
+    std::atomic<int> done{-1};
+};
+
+TEST_F(ConfigProcesses, KilledAtAnyMomentLeaveTheOldOrTheNewValue)
+{
+    std::minstd_rand random(20260729);
+    std::uniform_int_distribution<int> microseconds(0, 12000);
+    int interrupted = 0;
+    for (int round = 0; round < 120; ++round) {
+        if (round % 3 == 0) {
+            // From time to time the store itself is to be made.
+            std::filesystem::remove(board.file("config.mdb"));
+        }
+        const int old = numberOf(config.get("key"));
+        const Shared<Progress> progress;
+        const pid_t writer = inProcess([&] {
+            for (int i = 0;; ++i) {
+                progress->begun = i;
+                if (!NxuConfig().set("key", valueOf(i))) {
+                    return false;
+                }
+                progress->done = i;
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        ::kill(writer, SIGKILL);
+        ASSERT_EQ(waitFor(writer), 128 + SIGKILL);
+
+        const int begun = progress->begun;
+        const int done = progress->done;
+        const int before = done == -1 ? old : done;
+        const int value = numberOf(config.get("key"));
+        EXPECT_TRUE(value == before || value == begun) << before << " " << begun << " " << value;
+        interrupted += begun != done ? 1 : 0;
+        EXPECT_TRUE(config.set("other", "value"));
+        EXPECT_FALSE(board.has("config.mdb.new"));
+    }
+    EXPECT_GT(interrupted, 20);
+}
+
+} // namespace
