@@ -342,7 +342,8 @@ TEST_F(ConfigPowerCut, LeavesTheOldOrTheNewOfManyValues)
 {
     for (int i = 0; i < 8; ++i) {
         const std::string before = config.get("key");
-        const std::string after(static_cast<std::size_t>(i * 1000), static_cast<char>('a' + i % 26));
+        const std::string after(static_cast<std::size_t>(i * 1000),
+                                static_cast<char>('a' + i % 26));
         disk.watch(board);
         EXPECT_TRUE(config.set("key", after));
         for (const Image& image : disk.stop()) {
