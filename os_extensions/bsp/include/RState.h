@@ -10,6 +10,9 @@
  * what is wrong with it, and the version is what could be read until there, starting from 0.0.0.
  * Numbers too large for 32 bits are read as 2147483647; counting beyond that wraps.
  *
+ * A null text to be read counts as an empty one; where a text is to be written, or a name is to be
+ * found, null makes the function return 0.
+ *
  * All functions may be called from any thread; one RState object must not be changed by one thread
  * while another uses it.
  */
@@ -29,6 +32,7 @@
 
 #ifdef __cplusplus
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
@@ -65,6 +69,9 @@ public:
     /** Holds the text as given, and the version that can be read from it. */
     explicit RState(const std::string& text);
 
+    /** The same for a C text; null counts as an empty one. */
+    explicit RState(const char* text);
+
     /** Holds the version and its text. The numbers are not checked. */
     RState(int32_t major, int32_t minor, int32_t verification);
 
@@ -100,18 +107,23 @@ public:
     /**
      * Index of a letter in the alphabet of its position.
      *
-     * @param letter    'A' to 'Z'; one that the alphabet lacks counts as the next that it has
+     * @param letter    'A' to 'Z'; one that the alphabet lacks counts as the next that it has, and
+     *                  any other character as the first
      * @param position  1 to 4
      */
     static int getMinorIndex(char letter, int position);
 
     /**
      * The letter at an index of a position's alphabet. Outside the alphabet: the character before
-     * "A" for -1, and those that follow "Z" from the alphabet's size on.
+     * "A" for a negative index, and those that follow "Z" from the alphabet's size on.
+     *
+     * @param position  1 to 4
      */
     static char getMinorChar(int index, int position);
 
 private:
+    RState(const char* text, std::size_t length);
+
     std::string m_text;
     int32_t m_major = 0;
     int32_t m_minor = 0;
@@ -144,6 +156,10 @@ enum
 
     /**
      * Reads the version of an R-state.
+     *
+     * @param major         not null, like the two that follow
+     * @param minor         see above
+     * @param verification  receives 0 when the text has none
      * @return 1, also for a text that is no R-state; then the version is what could be read
      */
     BSP_API int RState_toVersion(const char* rstate, int* major, int* minor, int* verification);
