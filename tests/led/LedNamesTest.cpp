@@ -1,0 +1,111 @@
+#include "Led.h"
+#include "RecordingTrace.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+
+namespace
+{
+
+using recordingtrace::takeLines;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const char* const ledNames[] = {"yellow", "red", "green"};
+const char* const stateNames[] = {"steady_off", "steady_on", "standby_hot", "standby_cold",
+                                  "slow",       "fast",      "interrupting"};
+
+/** What a violated assertion of the LED module says. */
+std::string violation(const std::string& expression)
+{
+    return "os_extensions/bsp/src/Led\\.cpp:[0-9]+: .*Assertion `" + expression + "' failed";
+}
+
+TEST(LedNames, GoFromNumberToNameAndBack)
+{
+    EXPECT_EQ(NoOfLeds, 3);
+    EXPECT_EQ(NoOfLedStates, 7);
+    for (unsigned int led = 0; led < 3; ++led) {
+        EXPECT_STREQ(Led_objectToName(led), ledNames[led]);
+        EXPECT_EQ(Led_nameToObject(ledNames[led]), led);
+    }
+    for (unsigned int state = 0; state < 7; ++state) {
+        EXPECT_STREQ(Led_stateObjectToStateName(state), stateNames[state]);
+        EXPECT_EQ(Led_stateNameToStateObject(stateNames[state]), state);
+    }
+}
+
+TEST(LedNames, AreFoundAtTheBeginningOfAText)
+{
+    EXPECT_EQ(Led_nameToObject("greenish"), 2U);
+    EXPECT_EQ(Led_nameToObject("yellow2"), 0U);
+    EXPECT_EQ(Led_nameToObject("red green"), 1U);
+    EXPECT_EQ(Led_stateNameToStateObject("slowly"), 4U);
+    EXPECT_EQ(Led_stateNameToStateObject("steady_onf"), 1U);
+    EXPECT_EQ(Led_stateNameToStateObject("steady_offon"), 0U);
+}
+
+TEST(LedNames, AreNotFoundOtherwise)
+{
+    for (const char* text : {"", "Yellow", "yell", "YELLOW", " red", "purple", "slow", "\xFF"}) {
+        EXPECT_EQ(Led_nameToObject(text), 3U) << text;
+    }
+    for (const char* text : {"", "Slow", "slo", "steady", "steady_o", "standby", " fast", "green"})
+    {
+        EXPECT_EQ(Led_stateNameToStateObject(text), 7U) << text;
+    }
+}
+
+TEST(LedNames, ReportTheCall)
+{
+    errno = ENOENT;
+    Led_nameToObject("red");
+    EXPECT_THAT(takeLines(), ElementsAre("bsp.led 6 Led_nameToObject called\n"));
+    Led_objectToName(2);
+    EXPECT_THAT(takeLines(), ElementsAre("bsp.led 6 Led_objectToName(2) called\n"));
+    Led_stateNameToStateObject("slow");
+    EXPECT_THAT(takeLines(), ElementsAre("bsp.led 6 Led_stateNameToStateObject called\n"));
+    Led_stateObjectToStateName(6);
+    EXPECT_THAT(takeLines(), ElementsAre("bsp.led 6 Led_stateObjectToStateName(6) called\n"));
+    EXPECT_EQ(errno, ENOENT);
+    recordingtrace::setLevel("bsp.led", 5);
+    Led_nameToObject("red");
+    EXPECT_THAT(takeLines(), IsEmpty());
+}
+
+TEST(LedNamesDeathTest, RefuseANumberOutsideTheLeds)
+{
+    EXPECT_DEATH(Led_objectToName(3), violation("led < NoOfLeds"));
+    EXPECT_DEATH(Led_objectToName(static_cast<unsigned int>(-1)), violation("led < NoOfLeds"));
+}
+
+TEST(LedNamesDeathTest, RefuseANumberOutsideTheStates)
+{
+    EXPECT_DEATH(Led_stateObjectToStateName(7), violation("state < NoOfLedStates"));
+    EXPECT_DEATH(Led_stateObjectToStateName(static_cast<unsigned int>(-1)),
+                 violation("state < NoOfLedStates"));
+}
+
+TEST(LedNamesDeathTest, RefuseNull)
+{
+    EXPECT_DEATH(Led_nameToObject(nullptr), violation("name != 0"));
+    EXPECT_DEATH(Led_stateNameToStateObject(nullptr), violation("name != 0"));
+}
+
+TEST(LedNamesDeathTest, EndByAbort)
+{
+    EXPECT_EXIT(Led_objectToName(3), testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST(LedSetStateDeathTest, RefusesNumbersOutside)
+{
+    EXPECT_DEATH(Led_setState(3, 0), violation("led < NoOfLeds"));
+    EXPECT_DEATH(Led_setState(static_cast<unsigned int>(-1), 0), violation("led < NoOfLeds"));
+    EXPECT_DEATH(Led_setState(0, 7), violation("state < NoOfLedStates"));
+    EXPECT_DEATH(Led_setState(0, static_cast<unsigned int>(-1)),
+                 violation("state < NoOfLedStates"));
+    EXPECT_DEATH(Led_setState(3, 7), violation("led < NoOfLeds"));
+}
+
+} // namespace
