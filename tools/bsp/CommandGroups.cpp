@@ -1,5 +1,7 @@
 #include "BspCommands.h"
 #include "Command.h"
+#include "LedCommands.h"
+#include "RStateCommands.h"
 
 namespace
 {
@@ -13,8 +15,8 @@ const std::vector<Command> bspCommands{
     getTrafFpgaTypeCommand,
 };
 // clang-format on
-const std::vector<Command> ledCommands{};
-const std::vector<Command> rstateCommands{};
+const std::vector<Command> ledCommands{setStateCommand};
+const std::vector<Command> rstateCommands{incrementCommand};
 
 } // namespace
 
