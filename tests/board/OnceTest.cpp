@@ -23,7 +23,6 @@ using fakeboard::eeprom;
 using fakeboard::store;
 using recordingtrace::takeLines;
 using testing::Contains;
-using testing::UnorderedElementsAre;
 
 bool onceFails = false;
 

@@ -17,7 +17,6 @@ namespace
 {
 
 using testing::Each;
-using testing::IsEmpty;
 using testing::Matches;
 using testsupport::Outcome;
 using testsupport::Program;
@@ -85,8 +84,8 @@ const std::vector<std::string> listing = {
     "bsp getRadiolinkMode     Get radio-link mode (in text format: Rl4 or Rl5).",
     "bsp setRadiolinkMode     Set radio-link mode (in text format: Rl4 or Rl5).",
     "bsp clearRadiolinkMode   Clear specific radio-link mode (meaning returning to default mode).",
-    "bsp getTrafClientMode    Get TrafClientMode (in text format: Rlps or Lads). "
-    "DEPRECATED: Returns value based on RadiolinkMode",
+    std::string("bsp getTrafClientMode    Get TrafClientMode (in text format: Rlps or Lads). ") +
+        "DEPRECATED: Returns value based on RadiolinkMode",
     "bsp setTrafClientMode    DEPRECATED: Does nothing",
     "bsp clearTrafClientMode  DEPRECATED: Does nothing",
     "bsp getTrafFpgaType      Get FPGA variant (in text format: Bittern, Jackdaw, Osprey etc.).",

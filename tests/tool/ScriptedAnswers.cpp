@@ -8,6 +8,7 @@
 #include "Bsp.h"
 
 #include <cstdlib>
+#include <string>
 
 // The tool's calls of these two functions come here.
 const char* realBoardIdText() __asm__("__real_Bsp_getBoardIdText");
@@ -22,5 +23,5 @@ int scriptedRadiolinkMode() __asm__("__wrap_Bsp_getRadiolinkMode");
 int scriptedRadiolinkMode()
 {
     const char* scripted = std::getenv("SCRIPTED_RADIOLINK_MODE");
-    return scripted == nullptr ? realRadiolinkMode() : std::atoi(scripted);
+    return scripted == nullptr ? realRadiolinkMode() : std::stoi(scripted);
 }
