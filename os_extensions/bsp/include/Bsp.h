@@ -13,7 +13,9 @@
  * 4. Enumerations cross the C interface as plain int and are never renumbered.
  * 5. Any thread may call any function at any time.
  * 6. The hardware code is read from the EEPROM once per process, at the first question that needs
- *    it, even when the read fails. "Fixed once per process" marks the answers that follow from it.
+ *    it, even when the read fails: then the code of the platform's variant 14 stands for it. It
+ *    selects the first variant that the platform finds equal to it, or variant 0 when none is.
+ *    "Fixed once per process" marks the answers that follow from it.
  * 7. Nothing is caught: an exception of the one-time initialisation (std::system_error), of the
  *    key/value store or of the device library passes through, the C functions included.
  */
@@ -49,25 +51,34 @@ namespace bsp
 class WarmSlot;
 
 /**
- * The product of this board; `EndOfList` when its product code is not known.
- * Fixed once per process; an unknown product is traced at every call.
+ * The product of this board, by the product code of the selected variant; `EndOfList` when that is
+ * not known. Fixed once per process; an unknown product is traced at every call.
  */
 BSP_API ProductId getProductId();
 
-/** The hardware revision of the selected variant as it stands there. Fixed once per process. */
+/**
+ * The hardware revision of the selected variant as it stands there, usually a value of HwRevision.
+ * Fixed once per process.
+ */
 BSP_API int getHwRevision();
 
-/** `(getProductId() << 16) | getHwRevision()`. Fixed once per process. */
+/**
+ * `(getProductId() << 16) | getHwRevision()`. The revision is not masked: one that is negative or
+ * above 65535 reaches into the product's half. Fixed once per process.
+ */
 BSP_API int getBoardId();
 
-/** Text of the board ID, or "Unknown board revision". Fixed once per process. */
+/**
+ * Text of the first row of Bsp_boardIdMap with this board's ID, or "Unknown board revision"; never
+ * null. Fixed once per process.
+ */
 BSP_API const char* getBoardIdText();
 
 /**
  * Text of the newest board ID of this product, or "Unknown board revision". Fixed once per process.
  *
  * A row of the map belongs to the product when the row's ID without its lowest four bits equals the
- * product's number; so only product 0 has one.
+ * product's number; so only product 0 has one. Never null.
  */
 BSP_API const char* getLatestBoardIdText();
 
@@ -79,7 +90,12 @@ BSP_API const char* getLatestBoardIdText();
  */
 BSP_API TrafFpgaType getTrafFpgaType();
 
-/** The digital signal processor; `EndOfList` when not known. Fixed once per process. */
+/**
+ * The digital signal processor; `EndOfList` when not known. Fixed once per process.
+ *
+ * As do the traffic FPGA, the platform, the backplanes and the radio links, it follows from the
+ * hardware code itself, also where no variant has that code.
+ */
 BSP_API DspType getDspType();
 
 /** The platform; `EndOfList` when not known. Fixed once per process. */
@@ -94,34 +110,44 @@ BSP_API ControlBackplane getControlBackplane();
 /** The number of radio links; 2 when the hardware is not known. Fixed once per process. */
 BSP_API int getNumberOfRadiolinks();
 
-/** The number of channels; 1 when the product is not known. Fixed once per process. */
+/** The number of channels of the product; 1 when that is not known. Fixed once per process. */
 BSP_API unsigned int getNumberOfChannels();
 
-/** The Ethernet switch: `None` on every board. */
+/** The Ethernet switch: `None` on every board; no hardware is asked. */
 BSP_API SwitchType getSwitchType();
 
 /**
- * Path of an FPGA's image file, relative to a folder of the caller's.
+ * Path of an FPGA's image file, relative to a folder of the caller's. No hardware is asked.
  *
- * @param name  key of the FPGA, its type's name in lower case, or "pci"; not null
+ * @param name  key of the FPGA: the name of a type that getTrafFpgaType answers, in lower case, or
+ *              "pci"; compared exactly; not null
  * @return the path, or null when there is no such key
  */
 BSP_API const char* getFpgaPath(const char* name);
 
 /**
  * The radio-link mode that the store held when this process asked for the first time; `Rl4` when
- * none was set. It stays so for the life of the process, whatever is set or cleared later.
- * Exceptions of the store pass from the first call.
+ * none was set, or a text that is no mode. It stays so for the life of the process, whatever is set
+ * or cleared later, by this process too. Exceptions of the store pass; then the next call asks
+ * again.
  */
 BSP_API RadiolinkMode getRadiolinkMode();
 
 /**
  * Stores the radio-link mode durably; processes that ask for the first time from now on get it.
- * @return true when the store accepted it; false for a value that is not a mode
+ * Exceptions of the store pass.
+ *
+ * @return true when the store accepted it; false when it did not, and for a value that is no mode,
+ *         with which the store is not asked
  */
 BSP_API bool setRadiolinkMode(RadiolinkMode mode);
 
-/** Removes the stored radio-link mode, which means `Rl4`. Returns whether the store did so. */
+/**
+ * Removes the stored radio-link mode, which means `Rl4` for processes that ask for the first time
+ * from now on. Exceptions of the store pass.
+ *
+ * @return whether the store did so
+ */
 BSP_API bool clearRadiolinkMode();
 
 /** The slot id of this process's board; made at the first call and never destroyed. */
@@ -157,22 +183,25 @@ typedef struct NxuHwVariant NxuHwVariant;
         Bsp_NoOfBoardIds = 19
     };
 
-    /** The known board IDs and their texts. */
+    /** The known board IDs and their texts; read-only. The newer products have none. */
     extern BSP_API const struct BoardIdEntry Bsp_boardIdMap[Bsp_NoOfBoardIds];
 
-    /** See os::bsp::getBoardId: product << 16 | revision. */
+    /** `product << 16 | revision`, see os::bsp::getBoardId. Fixed once per process. */
     BSP_API int Bsp_getBoardId(void);
 
-    /** See os::bsp::getBoardIdText: the text, or "Unknown board revision". */
+    /** Text of the board ID, or "Unknown board revision"; never null. Fixed once per process. */
     BSP_API const char* Bsp_getBoardIdText(void);
 
-    /** See os::bsp::getLatestBoardIdText: the text, or "Unknown board revision". */
+    /**
+     * Text of the newest board ID of product 0, "Unknown board revision" for any other product; see
+     * os::bsp::getLatestBoardIdText. Never null. Fixed once per process.
+     */
     BSP_API const char* Bsp_getLatestBoardIdText(void);
 
-    /** See os::bsp::getHwRevision: the selected variant's revision. */
+    /** The selected variant's hardware revision as it stands there. Fixed once per process. */
     BSP_API int Bsp_getHwRevision(void);
 
-    /** See os::bsp::getProductId: a ProductId. */
+    /** The product: a ProductId, its `EndOfList` when not known. Fixed once per process. */
     BSP_API int Bsp_getProductId(void);
 
     /**
@@ -181,40 +210,61 @@ typedef struct NxuHwVariant NxuHwVariant;
      */
     BSP_API const NxuHwVariant* Bsp_getNxuHwVariant(void);
 
-    /** See os::bsp::getDspType: a DspType. */
+    /** The signal processor: a DspType, its `EndOfList` when not known. Fixed once per process. */
     BSP_API int Bsp_getDspType(void);
 
-    /** See os::bsp::getTrafFpgaType: a TrafFpgaType. Read anew at each call. */
+    /**
+     * The traffic FPGA: a TrafFpgaType, its `EndOfList` when not supported. Read anew at each call;
+     * see os::bsp::getTrafFpgaType.
+     */
     BSP_API int Bsp_getTrafFpgaType(void);
 
-    /** See os::bsp::getPlatformType: a PlatformType. */
+    /** The platform: a PlatformType, its `EndOfList` when not known. Fixed once per process. */
     BSP_API int Bsp_getPlatformType(void);
 
-    /** See os::bsp::getTrafficBackplane: a TrafficBackplane. */
+    /**
+     * The backplane of the payload traffic: a TrafficBackplane, its `EndOfList` when not known.
+     * Fixed once per process.
+     */
     BSP_API int Bsp_getTrafficBackplane(void);
 
-    /** See os::bsp::getControlBackplane: a ControlBackplane. */
+    /**
+     * The backplane of the control traffic: a ControlBackplane, its `EndOfList` when not known.
+     * Fixed once per process.
+     */
     BSP_API int Bsp_getControlBackplane(void);
 
-    /** See os::bsp::getNumberOfChannels. */
+    /** The number of channels; 1 when the product is not known. Fixed once per process. */
     BSP_API unsigned int Bsp_getNumberOfChannels(void);
 
-    /** See os::bsp::getNumberOfRadiolinks. */
+    /** The number of radio links; 2 when the hardware is not known. Fixed once per process. */
     BSP_API int Bsp_getNumberOfRlt(void);
 
-    /** See os::bsp::getSwitchType: a SwitchType. */
+    /** The Ethernet switch: a SwitchType, `None` on every board. */
     BSP_API int Bsp_getSwitchType(void);
 
-    /** See os::bsp::getFpgaPath: the path, or null. @p name is not null. */
+    /**
+     * Path of an FPGA's image file, relative to a folder of the caller's; null when @p name is not
+     * a key of os::bsp::getFpgaPath. @p name is not null.
+     */
     BSP_API const char* Bsp_getFpgaPath(const char* name);
 
-    /** See os::bsp::getRadiolinkMode: a RadiolinkMode. */
+    /**
+     * The radio-link mode, a RadiolinkMode, as it was when this process asked for the first time;
+     * see os::bsp::getRadiolinkMode.
+     */
     BSP_API int Bsp_getRadiolinkMode(void);
 
-    /** Stores a RadiolinkMode; see os::bsp::setRadiolinkMode. Returns 0, or -1 when refused. */
+    /**
+     * Stores a RadiolinkMode durably for processes that ask for the first time from now on. Returns
+     * 0, or -1 when the store refuses or @p mode is none.
+     */
     BSP_API int Bsp_setRadiolinkMode(int mode);
 
-    /** Removes the stored mode; see os::bsp::clearRadiolinkMode. Returns 0, or -1 on failure. */
+    /**
+     * Removes the stored mode, which means `Rl4` for processes that ask for the first time from now
+     * on. Returns 0, or -1 when the store refuses.
+     */
     BSP_API int Bsp_clearRadiolinkMode(void);
 
     /**
