@@ -1,24 +1,74 @@
 /**
  * @file
- * @brief Writes one message on each of the trace library's interfaces: CHANNEL LEVEL TEXT.
+ * @brief Uses the trace library in a process of its own.
+ *
+ *     CHANNEL LEVEL TEXT   writes a message on each of the library's interfaces
+ *     forks                forks again and again while another thread writes; each new process
+ *                          writes a message on the channel "forked"
  */
 #include "HvxTrace.h"
+#include "Program.h"
 
+#include <atomic>
 #include <string>
+#include <thread>
 
-int main(int /*argc*/, char** argv)
+#include <unistd.h>
+
+namespace
 {
-    const std::string name = argv[1];
-    const auto level = static_cast<HvxTraceLevel>(std::stoul(argv[2]));
-    const std::string text = argv[3];
-    static const HvxTraceHeader header{"file.cpp", 7, "main"};
 
+constexpr HvxTraceHeader Header{"file.cpp", 7, "main"};
+
+int writeMessages(const std::string& name, HvxTraceLevel level, const std::string& text)
+{
     HvxTrace channel(name, 3);
-    channel.beginLogMsg(level, header);
+    channel.beginLogMsg(level, Header);
     channel.logMsgData(text.data(), static_cast<unsigned int>(text.size()));
     channel.endLogMsg();
 
     GT_TraceRecord record{TraceRecordStartLevel, name.c_str()};
-    GT_printf2(&record, level, &header, "%s\n", text.c_str());
+    GT_printf2(&record, level, &Header, "%s\n", text.c_str());
     return 0;
+}
+
+/** Writes a message on a channel that the process may not know yet. */
+void write(const std::string& name)
+{
+    GT_TraceRecord record{TraceRecordStartLevel, name.c_str()};
+    GT_printf2(&record, 1, &Header, "text\n");
+}
+
+int forkWhileAThreadWrites()
+{
+    write("first"); // The settings are read before, as by a program with channels of its own.
+    std::atomic<bool> done{false};
+    std::thread thread([&done] {
+        for (int i = 0; !done; ++i) {
+            write("channel " + std::to_string(i % 1000));
+        }
+    });
+    int status = 0;
+    for (int i = 0; i < 100; ++i) {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            write("forked");
+            ::_exit(0);
+        }
+        status |= testsupport::waitFor(process);
+    }
+    done = true;
+    thread.join();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string first = argv[1];
+    if (argc == 2 && first == "forks") {
+        return forkWhileAThreadWrites();
+    }
+    return writeMessages(first, static_cast<HvxTraceLevel>(std::stoul(argv[2])), argv[3]);
 }

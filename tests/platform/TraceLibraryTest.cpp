@@ -7,10 +7,11 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <ctime>
+#include <optional>
 #include <sstream>
 #include <thread>
 
@@ -38,6 +39,29 @@ using testsupport::readFile;
 using testsupport::TemporaryDirectory;
 
 constexpr HvxTraceHeader Header{"folder/file.cpp", 42, "function"};
+
+/** The time that the library is told, when it is not the real one. */
+std::optional<timespec> timeOfDay;
+
+} // namespace
+
+extern "C"
+{
+    int __real_clock_gettime(clockid_t clock, timespec* time);
+    int __wrap_clock_gettime(clockid_t clock, timespec* time);
+}
+
+int __wrap_clock_gettime(clockid_t clock, timespec* time)
+{
+    if (timeOfDay) {
+        *time = *timeOfDay;
+        return 0;
+    }
+    return __real_clock_gettime(clock, time);
+}
+
+namespace
+{
 
 /** The library reads its settings once: a case makes them before it writes. */
 class TraceLibrary : public testing::Test
@@ -104,7 +128,7 @@ TEST_F(TraceLibrary, WritesALineForEachMessage)
     HvxTrace channel("a.channel", 3);
     write(channel, 1, "first");
     write(channel, 3, "");
-    const std::string start = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{6} "
+    const std::string start = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{6}Z "
                               "a[.]channel[[]" +
                               std::to_string(::getpid()) + "[]] ";
     EXPECT_THAT(lines(), ElementsAre(MatchesRegex(start + "1 folder/file[.]cpp:42 first"),
@@ -222,30 +246,46 @@ TEST_F(TraceLibrary, KeepsMessagesOfManyProcessesWhole)
 
 TEST_F(TraceLibrary, CanBeUsedByAProcessForkedAtAnyMoment)
 {
-    std::atomic<bool> done{false};
-    std::thread thread([&done] {
-        for (int i = 0; !done; ++i) {
-            const std::string name = "channel " + std::to_string(i % 1000);
-            GT_TraceRecord record{TraceRecordStartLevel, name.c_str()};
-            GT_printf2(&record, 1, &Header, "%d\n", i);
-        }
-    });
-    for (int i = 0; i < 50; ++i) {
-        const pid_t process = ::fork();
-        if (process == 0) {
-            GT_TraceRecord record{TraceRecordStartLevel, "forked"};
-            GT_printf2(&record, 1, &Header, "forked\n");
-            ::_exit(0);
-        }
-        EXPECT_EQ(testsupport::waitFor(process), 0);
-    }
-    done = true;
-    thread.join();
+    Program program{};
+    program.path = TRACE_CLIENT;
+    program.arguments = {"forks"};
+    const Outcome outcome = program.run();
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
     int forked = 0;
-    for (const std::string& text : texts()) {
-        forked += text == "forked" ? 1 : 0;
+    for (const std::string& line : lines()) {
+        forked += line.find(" forked[") != std::string::npos ? 1 : 0;
     }
-    EXPECT_EQ(forked, 50);
+    EXPECT_EQ(forked, 100);
+}
+
+TEST_F(TraceLibrary, TellsTheTime)
+{
+    constexpr std::time_t Day = 24 * 60 * 60;
+    HvxTrace channel("channel", 3);
+    // Every day of four years with a leap day, then one day of each month for a long time.
+    std::vector<std::time_t> times;
+    for (std::time_t i = 0; i < 4 * 366; ++i) {
+        times.push_back(1700000000 + i * Day + i);
+    }
+    for (std::time_t i = 0; i < 800; ++i) {
+        times.push_back(i * 31 * Day + Day - 1);
+    }
+    std::vector<std::string> expected;
+    for (const std::time_t time : times) {
+        timeOfDay = {time, 1002003};
+        write(channel, 1, "text");
+        std::tm utc{};
+        ::gmtime_r(&time, &utc);
+        std::array<char, 64> text{};
+        std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S.001002Z ", &utc);
+        expected.emplace_back(text.data());
+    }
+    const auto written = lines();
+    ASSERT_EQ(written.size(), expected.size());
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        EXPECT_THAT(written[i], StartsWith(expected[i]));
+    }
 }
 
 TEST_F(TraceLevels, AreThreeByDefault)
@@ -493,6 +533,16 @@ TEST_F(SystemLog, IsTheDefault)
             EXPECT_THAT(message, HasSubstr("] 1 file.cpp:7 text"));
         }
     }
+}
+
+TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
+{
+    setOutput("syslog");
+    // Nobody listens, or the log would fill up.
+    const Outcome outcome =
+        testsupport::sandboxed({"--dev", "/dev"}, TRACE_CLIENT, {"forks"}).run();
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
 }
 
 TEST_F(SystemLog, GetsTheLevelAsItsPriority)

@@ -1,5 +1,6 @@
 #include "TraceLine.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdio>
@@ -15,18 +16,55 @@ namespace
 
 const char* const CutMark = "...";
 
+constexpr long long SecondsOfADay = 24 * 60 * 60;
+
+/** A day of the calendar. */
+struct Date
+{
+    int year;
+    int month;
+    int day;
+};
+
+bool isLeapYear(int year)
+{
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+int daysOfMonth(int year, int month)
+{
+    constexpr std::array<int, 12> Days = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return Days.at(static_cast<std::size_t>(month - 1)) + (month == 2 && isLeapYear(year) ? 1 : 0);
+}
+
+/** The day so many days after 1970-01-01. */
+Date dateOf(long long days)
+{
+    Date date{1970, 1, 1};
+    for (int length = 365; days >= length; ++date.year) {
+        days -= length;
+        length = isLeapYear(date.year + 1) ? 366 : 365;
+    }
+    for (; days >= daysOfMonth(date.year, date.month); ++date.month) {
+        days -= daysOfMonth(date.year, date.month);
+    }
+    date.day += static_cast<int>(days);
+    return date;
+}
+
+/** The time in UTC; the C library's conversions take a lock that a forked process may miss. */
 std::string currentTime()
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    std::array<char, sizeof "YYYY-MM-DDThh:mm:ss"> date{};
-    std::strftime(date.data(), date.size(), "%Y-%m-%dT%H:%M:%S", &local);
-    std::array<char, sizeof ".uuuuuu"> fraction{};
-    std::snprintf(fraction.data(), fraction.size(), ".%06u",
-                  static_cast<unsigned int>(now.tv_nsec / 1000) % 1000000U);
-    return std::string(date.data()) + fraction.data();
+    const long long seconds = std::max<long long>(now.tv_sec, 0);
+    const Date date = dateOf(seconds / SecondsOfADay);
+    const int second = static_cast<int>(seconds % SecondsOfADay);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%06ldZ", date.year,
+                  date.month, date.day, second / 3600, second / 60 % 60, second % 60,
+                  now.tv_nsec / 1000);
+    return text.data();
 }
 
 bool isControl(char character)

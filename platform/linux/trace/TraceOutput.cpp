@@ -7,8 +7,10 @@
 #include <csignal>
 #include <cstring>
 #include <ctime>
+#include <mutex>
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -67,8 +69,16 @@ int syslogPriority(HvxTraceLevel level)
     return level <= 5 ? LOG_INFO : LOG_DEBUG;
 }
 
+// Held around syslog and around each fork: a process forked in the middle of another thread's
+// syslog would find the C library's lock taken for ever.
+std::mutex& syslogMutex = *new std::mutex;
+
+[[maybe_unused]] const int forkHandlers = pthread_atfork(
+    [] { syslogMutex.lock(); }, [] { syslogMutex.unlock(); }, [] { syslogMutex.unlock(); });
+
 void writeToSyslog(HvxTraceLevel level, const std::string& line)
 {
+    const std::lock_guard<std::mutex> guard(syslogMutex);
     syslog(LOG_USER | syslogPriority(level), "%s", line.c_str());
 }
 
