@@ -25,9 +25,31 @@ if(BSP_BUILD_TOOLS)
   install(TARGETS bsp_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(FILES ${PROJECT_BINARY_DIR}/bin/led ${PROJECT_BINARY_DIR}/bin/rstate
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  set(bsp_manual ${PROJECT_SOURCE_DIR}/docs/man)
+  install(FILES ${bsp_manual}/bsp.1 ${bsp_manual}/led.1 ${bsp_manual}/rstate.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  set(bsp_completed led rstate)
+
+  # There are boards to make only where the stand-ins serve them.
   if(TARGET bsp_board)
     install(TARGETS bsp_board RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    install(FILES ${bsp_manual}/bsp-board.1
+      DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    install(FILES ${bsp_manual}/board-directory.5
+      DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)
+    list(APPEND bsp_completed bsp-board)
   endif()
+
+  # bash looks for the completion of a command in a file of the command's name.
+  set(bsp_completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${PROJECT_SOURCE_DIR}/packaging/completion/bsp
+    DESTINATION ${bsp_completions} COMPONENT tools)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging/completion)
+  foreach(name ${bsp_completed})
+    set(link ${PROJECT_BINARY_DIR}/packaging/completion/${name})
+    file(CREATE_LINK bsp ${link} SYMBOLIC)
+    install(FILES ${link} DESTINATION ${bsp_completions} COMPONENT tools)
+  endforeach()
 endif()
 
 # pkg-config and CMake find everything from where their own file lies, wherever that is.
