@@ -38,8 +38,8 @@ class IMutex
 {
 public:
     virtual ~IMutex() = default;
-    virtual void lock() = 0;
-    virtual void unlock() = 0;
+    virtual void lock() = 0;   /**< Waits for the lock and takes it. */
+    virtual void unlock() = 0; /**< Gives the lock back. */
 };
 
 /** Lock for the threads of one process. */
@@ -51,8 +51,8 @@ public:
     ~PthreadMutex() override;
     PthreadMutex(const PthreadMutex&) = delete;
     PthreadMutex& operator=(const PthreadMutex&) = delete;
-    void lock() override;
-    void unlock() override;
+    void lock() override;   /**< Waits for the mutex and takes it. */
+    void unlock() override; /**< Gives the mutex back. */
 
 private:
     class Implementation;

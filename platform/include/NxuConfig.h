@@ -39,27 +39,33 @@ public:
     virtual bool clear(const std::string& key);
 };
 
+/** Keys. */
 namespace key
 {
-extern const std::string FpgaVariant;
-extern const std::string RadiolinkMode;
+extern const std::string FpgaVariant;   /**< Which of two FPGA variants is used. */
+extern const std::string RadiolinkMode; /**< How the radio links work. */
 } // namespace key
 
+/** Values. */
 namespace value
 {
 /** What the store answers for a key that has no value. */
 extern const std::string Empty;
 
+/** Values of key::FpgaVariant. */
 namespace fpgaVariant
 {
+/** The second variant where the traffic FPGA word is 0, 5 or 8. */
 extern const std::string TwoTdm;
+/** The second variant where the traffic FPGA word is 3. */
 extern const std::string OneTdmRleEqpNoMlhc;
 } // namespace fpgaVariant
 
+/** Values of key::RadiolinkMode. */
 namespace radiolinkMode
 {
-extern const std::string Rl4;
-extern const std::string Rl5;
+extern const std::string Rl4; /**< Mode Rl4. */
+extern const std::string Rl5; /**< Mode Rl5. */
 } // namespace radiolinkMode
 } // namespace value
 

@@ -21,7 +21,7 @@ namespace bsp
 /** Hardware code of a board; word i holds byte i of the EEPROM, zero-extended. */
 struct NxuHwCode
 {
-    int32_t word[8];
+    int32_t word[8]; /**< The words. */
 };
 
 /** One known hardware variant. */

@@ -44,6 +44,7 @@ public:
     class BSP_API SemLockGuard
     {
     public:
+        /** Takes the semaphore. */
         explicit SemLockGuard(sem_t* semaphore);
         ~SemLockGuard();
         SemLockGuard(const SemLockGuard&) = delete;
