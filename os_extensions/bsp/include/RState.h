@@ -122,14 +122,14 @@ public:
     static char getMinorChar(int index, int position);
 
 private:
-    RState(const char* text, std::size_t length);
+    BSP_LOCAL RState(const char* text, std::size_t length);
 
     std::string m_text;
     int32_t m_major = 0;
     int32_t m_minor = 0;
     int32_t m_verification = 0;
 
-    static GT_TraceRecord m_trace;
+    BSP_LOCAL static GT_TraceRecord m_trace;
 };
 
 /** Writes the text. */

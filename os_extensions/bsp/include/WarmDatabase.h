@@ -106,13 +106,13 @@ public:
     std::mutex* getObjectSyncPointer(const std::string& name);
 
 private:
-    WarmDatabase();
-    ~WarmDatabase();
+    BSP_LOCAL WarmDatabase();
+    BSP_LOCAL ~WarmDatabase();
 
-    void memoryMapTheDatabase();
-    bool initDatabaseSemaphore();
-    void clearDatabaseIfColdRestart();
-    void initBlockSynchronization();
+    BSP_LOCAL void memoryMapTheDatabase();
+    BSP_LOCAL bool initDatabaseSemaphore();
+    BSP_LOCAL void clearDatabaseIfColdRestart();
+    BSP_LOCAL void initBlockSynchronization();
 
     unsigned char* m_mappedMemory = nullptr;
     unsigned char* m_blockSync = nullptr;
