@@ -1,6 +1,7 @@
 #include "Bsp.h"
 
 #include "BspHwCode.h"
+#include "BspProduct.h"
 #include "BspTrace.h"
 #include "HvxMessage.h"
 
@@ -29,16 +30,24 @@ constexpr Product products[] = {
 
 } // namespace
 
-ProductId getProductId()
+ProductId productOf(int productCode)
 {
-    const int code = selectedVariant().productCode;
     for (const Product& product : products) {
-        if (product.code == code) {
+        if (product.code == productCode) {
             return product.id;
         }
     }
-    TRACE_MESSAGE(bspTrace, trace::Error, "Unknown product ID: " << code);
     return ProductId::EndOfList;
+}
+
+ProductId getProductId()
+{
+    const int code = selectedVariant().productCode;
+    const ProductId product = productOf(code);
+    if (product == ProductId::EndOfList) {
+        TRACE_MESSAGE(bspTrace, trace::Error, "Unknown product ID: " << code);
+    }
+    return product;
 }
 
 int getHwRevision()
