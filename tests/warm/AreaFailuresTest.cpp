@@ -1,0 +1,286 @@
+#include "ExpectedLines.h"
+#include "RecordingTrace.h"
+#include "SharedNames.h"
+#include "SystemCalls.h"
+#include "WarmBoard.h"
+#include "WarmDatabase.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <csignal>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <sys/mman.h>
+
+namespace
+{
+
+using namespace expectedlines;
+using os::bsp::dtcm::WarmDatabase;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::KilledBySignal;
+using warmboard::area;
+using warmboard::areaWith;
+using warmboard::fillArea;
+using Lines = std::vector<std::string>;
+
+TEST(Device, ThatIsMissing)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(
+        recordingtrace::takeLines(),
+        ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of warm area",
+                    warm, freeTable));
+    EXPECT_EQ(database.getNumberOfFreeBlocks(), 32U);
+    EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0"));
+    void* object = nullptr;
+    EXPECT_TRUE(database.createObject("PRIVATE", &object, 8, true));
+}
+
+TEST(Device, ThatCannotBeMapped)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
+                                     "warm area, error: Permission denied",
+                            warm, freeTable));
+    EXPECT_EQ(database.getNumberOfFreeBlocks(), 32U);
+    EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0", "close 0"));
+    void* object = nullptr;
+    EXPECT_TRUE(database.createObject("PRIVATE", &object, 8, true));
+}
+
+TEST(Device, ThatMayNotBeLockedInMemory)
+{
+    systemcalls::queue("mmap", EAGAIN);
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
+                                     "warm area, error: Resource temporarily unavailable",
+                            warm, freeTable));
+}
+
+TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
+    systemcalls::queue("calloc", ENOMEM);
+    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
+                AllOf(HasSubstr("os_extensions/bsp/src/WarmDatabase.cpp:"),
+                      HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' "
+                                "failed.")));
+}
+
+TEST(DeviceDeath, WithoutMemoryAfterAFailedMapping)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
+    systemcalls::queue("calloc", ENOMEM);
+    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
+                HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' failed."));
+}
+
+TEST(Semaphore, ThatCannotBeCreated)
+{
+    systemcalls::queue("sem_open", EACCES);
+    warmboard::useNxu4(warmboard::Cold);
+    fillArea(areaWith({{0, "KEPT"}}));
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 initDatabaseSemaphore(): error in sem_open error: "
+                                     "Permission denied"));
+    const Lines calls = systemcalls::take();
+    EXPECT_EQ(Lines(calls.begin(), calls.begin() + 4),
+              (Lines{mapArea, createSemaphore, openSync, createSync}));
+
+    database.lock();
+    database.lock();
+    database.unlock();
+    void* object = nullptr;
+    EXPECT_TRUE(database.retrieveObject("KEPT", &object, 8, true));
+    EXPECT_THAT(systemcalls::take(), IsEmpty()) << "there is no semaphore to take";
+}
+
+TEST(Semaphore, ThatExistsButCannotBeOpened)
+{
+    makeSharedNames(1);
+    systemcalls::queue("sem_open", 0);
+    systemcalls::queue("sem_open", ENOENT);
+    WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 initDatabaseSemaphore(): error in sem_open error: "
+                                     "No such file or directory"));
+    EXPECT_THAT(systemcalls::take(),
+                ElementsAre(mapArea, createSemaphore, openSemaphore, openSync, mapSync));
+}
+
+TEST(Semaphore, IsWaitedForAgainAfterASignal)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    systemcalls::take();
+    systemcalls::queue("sem_wait", EINTR);
+    systemcalls::queue("sem_wait", EINTR);
+    errno = 77;
+    database.lock();
+    EXPECT_EQ(errno, 0);
+    EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait", "sem_wait", "sem_wait"));
+    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    database.unlock();
+    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+}
+
+TEST(Semaphore, OtherFailuresOfWaitingAreIgnored)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    systemcalls::take();
+    systemcalls::queue("sem_wait", EINVAL);
+    database.lock();
+    EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait"));
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+}
+
+TEST(SemLockGuard, HoldsTheSemaphoreForItsScope)
+{
+    sem_t semaphore;
+    ASSERT_EQ(::sem_init(&semaphore, 0, 1), 0);
+    int value = -1;
+    {
+        systemcalls::queue("sem_wait", EINTR);
+        const WarmDatabase::SemLockGuard guard(&semaphore);
+        ::sem_getvalue(&semaphore, &value);
+        EXPECT_EQ(value, 0);
+        EXPECT_EQ(errno, 0);
+    }
+    ::sem_getvalue(&semaphore, &value);
+    EXPECT_EQ(value, 1);
+    EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait", "sem_wait", "sem_post"));
+    ::sem_destroy(&semaphore);
+}
+
+TEST(SemLockGuard, DoesNothingWithoutASemaphore)
+{
+    {
+        const WarmDatabase::SemLockGuard guard(nullptr);
+    }
+    EXPECT_THAT(systemcalls::take(), IsEmpty());
+}
+
+TEST(SharedMemory, ThatCannotBeCreated)
+{
+    systemcalls::queue("shm_open", ENOENT);
+    systemcalls::queue("shm_open", EMFILE);
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(warm, freeTable,
+                            prefix + "1 initBlockSynchronization(): error in shm_open error: "
+                                     "Too many open files"));
+    EXPECT_THAT(systemcalls::take(), ElementsAre(mapArea, createSemaphore, "sem_post", openSync,
+                                                 createSync, "calloc " + syncSize));
+    // The private mutexes work: all bytes 0 is an unlocked one.
+    void* object = nullptr;
+    std::mutex* sync = nullptr;
+    bool created = false;
+    ASSERT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
+    EXPECT_TRUE(sync->try_lock());
+    EXPECT_FALSE(sync->try_lock());
+    sync->unlock();
+}
+
+TEST(SharedMemoryDeath, WithoutMemoryForPrivateMutexes)
+{
+    systemcalls::queue("shm_open", ENOENT);
+    systemcalls::queue("shm_open", EACCES);
+    systemcalls::queue("calloc", ENOMEM);
+    warmboard::useNxu4(warmboard::Warm);
+    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
+                HasSubstr("initBlockSynchronization(): Assertion `m_blockSync != nullptr' "
+                          "failed."));
+}
+
+TEST(SharedMemory, ThatExistsButCannotBeMappedIsNotNoticed)
+{
+    makeSharedNames(1);
+    systemcalls::queue("mmap", 0);
+    systemcalls::queue("mmap", EAGAIN);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    void* object = nullptr;
+    EXPECT_TRUE(database.createObject("A", &object, 8, true));
+    EXPECT_EQ(database.getObjectSyncPointer("A"), MAP_FAILED);
+}
+
+TEST(ExceptionAtStart, LeavesTheSemaphoreAtZero)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    fakedevices::control().onCreate = [] { throw std::runtime_error("no bus"); };
+    const std::string contents = areaWith({{0, "KEPT"}});
+    fillArea(contents);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
+                                     "Caught exception [no bus]."));
+    EXPECT_THAT(systemcalls::take(), ElementsAre(mapArea, createSemaphore));
+    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_EQ(area(), contents);
+
+    void* object = nullptr;
+    EXPECT_TRUE(database.retrieveObject("KEPT", &object, 8, false));
+    EXPECT_EQ(database.getObjectSyncPointer("KEPT"), nullptr) << "there are no mutexes";
+}
+
+TEST(ExceptionAtStart, OfAnotherKind)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    fakedevices::control().onCreate = [] { throw 5; };
+    WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
+                                     "Caught unknown exception"));
+    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+}
+
+TEST(ExceptionAtStart, BeforeThereIsAnArea)
+{
+    fakedevices::dtcm().onOpen = [] { throw std::runtime_error("no device tree"); };
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(),
+                ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
+                                     "Caught exception [no device tree]."));
+    EXPECT_EQ(database.getNumberOfFreeBlocks(), 0U);
+    void* object = &database;
+    EXPECT_FALSE(database.createObject("A", &object, 8, true));
+    EXPECT_EQ(object, nullptr);
+    EXPECT_THAT(recordingtrace::takeLines(1),
+                ElementsAre(prefix + "1 createObject(): Error: DTCM is out of space."));
+}
+
+TEST(Messages, AreNotMadeWhenNobodyWantsThem)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    recordingtrace::setLevel("Bsp.WarmDatabase", 4);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    database.getNumberOfFreeBlocks();
+    void* object = nullptr;
+    std::mutex* sync = nullptr;
+    bool created = false;
+    EXPECT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
+    EXPECT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
+    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    EXPECT_TRUE(database.createObject("A", &object, 8, true));
+    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(HasSubstr("2 createObject(): Warning")));
+}
+
+} // namespace

@@ -1,0 +1,183 @@
+#include "ExpectedLines.h"
+#include "RecordingTrace.h"
+#include "SharedNames.h"
+#include "SystemCalls.h"
+#include "WarmBoard.h"
+#include "WarmDatabase.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace expectedlines;
+using os::bsp::dtcm::WarmDatabase;
+using testing::ElementsAre;
+using testing::ExitedWithCode;
+using testing::IsEmpty;
+using testing::Not;
+using warmboard::area;
+using warmboard::areaWith;
+using warmboard::fillArea;
+using Lines = std::vector<std::string>;
+
+/** Device calls and messages among the system calls, each with the semaphore's value. */
+void noteEverything()
+{
+    fakedevices::dtcm().onOpen = [] { systemcalls::note("open device"); };
+    fakedevices::control().onCreate = [] { systemcalls::note("ask for reset cause"); };
+    recordingtrace::setObserver([](const recordingtrace::Message& message) {
+        const int value = systemcalls::semaphore() == nullptr ? -1 : systemcalls::semaphoreValue();
+        systemcalls::note(message.text + " at " + std::to_string(value));
+    });
+}
+
+Lines initSlots()
+{
+    Lines lines;
+    for (std::size_t i = 0; i < 32; ++i) {
+        lines.push_back("pthread_mutex_init at " + std::to_string(i * sizeof(pthread_mutex_t)) +
+                        " shared");
+    }
+    return lines;
+}
+
+TEST(Start, OfTheFirstProcess)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    noteEverything();
+    WarmDatabase::getInstance();
+    Lines expected = {
+        "open device",
+        mapArea,
+        createSemaphore,
+        "ask for reset cause",
+        "clearDatabaseIfColdRestart(): COLD restart, clearing database. at 0",
+        "logNamesOfUsedBlocks(): Max number of blocks available: 32 at 0",
+        "sem_post",
+        openSync,
+        createSync,
+        "ftruncate " + syncSize,
+        mapSync,
+    };
+    const Lines slots = initSlots();
+    expected.insert(expected.end(), slots.begin(), slots.end());
+    EXPECT_EQ(systemcalls::take(), expected);
+    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0", "close 0"));
+}
+
+TEST(Start, OfAnotherProcess)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    const std::string contents = areaWith({{0, "KEPT"}});
+    fillArea(contents);
+    makeSharedNames(1);
+    noteEverything();
+    WarmDatabase::getInstance();
+    EXPECT_THAT(systemcalls::take(), ElementsAre("open device", mapArea, createSemaphore,
+                                                 openSemaphore, openSync, mapSync));
+    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(area(), contents);
+    EXPECT_EQ(testsupport::readFile("/dev/shm/DtcmSync").substr(0, 4), "mine");
+}
+
+TEST(Start, DoesNotTouchTheSemaphoreOfAProcessThatStillDecides)
+{
+    makeSharedNames(0);
+    WarmDatabase::getInstance();
+    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_THAT(systemcalls::take(), Not(testing::Contains("sem_post")));
+}
+
+TEST(Start, HappensOnce)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    systemcalls::take();
+    EXPECT_EQ(&WarmDatabase::getInstance(), &database);
+    EXPECT_THAT(systemcalls::take(), IsEmpty());
+}
+
+TEST(Start, LeavesTheMutexesDescriptorOpen)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    const auto links = [] {
+        int count = 0;
+        for (int fd = 0; fd < 64; ++fd) {
+            char target[64] = {};
+            const std::string link = "/proc/self/fd/" + std::to_string(fd);
+            if (::readlink(link.c_str(), target, sizeof(target) - 1) > 0 &&
+                std::string(target) == "/dev/shm/DtcmSync")
+            {
+                ++count;
+            }
+        }
+        return count;
+    };
+    WarmDatabase::getInstance();
+    EXPECT_EQ(links(), 1);
+}
+
+TEST(Start, GivesTheNamesTheModeThatTheUmaskLeaves)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    ::umask(027);
+    WarmDatabase::getInstance();
+    struct stat status = {};
+    ASSERT_EQ(::stat("/dev/shm/sem.DtcmDbSharedSem", &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+    ASSERT_EQ(::stat("/dev/shm/DtcmSync", &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+/** Ends a process that has used the store; its system calls go to standard error. */
+[[noreturn]] void useAndExit()
+{
+    WarmDatabase::getInstance();
+    systemcalls::echo();
+    std::exit(0); // NOLINT(concurrency-mt-unsafe): a process of one thread
+}
+
+TEST(ExitDeath, OfTheProcessThatMadeTheNames)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    EXPECT_EXIT(useAndExit(), ExitedWithCode(0),
+                "^munmap 32768\nsem_close\nsem_unlink /DtcmDbSharedSem\nshm_unlink /DtcmSync\n$");
+    EXPECT_NE(::access("/dev/shm/sem.DtcmDbSharedSem", F_OK), 0);
+    EXPECT_NE(::access("/dev/shm/DtcmSync", F_OK), 0);
+}
+
+TEST(ExitDeath, OfAnotherProcess)
+{
+    makeSharedNames(1);
+    EXPECT_EXIT(useAndExit(), ExitedWithCode(0), "^munmap 32768\nsem_close\n$");
+    EXPECT_EQ(::access("/dev/shm/sem.DtcmDbSharedSem", F_OK), 0);
+    EXPECT_EQ(::access("/dev/shm/DtcmSync", F_OK), 0);
+}
+
+TEST(ExitDeath, OfTheProcessThatMadeTheSemaphoreAlone)
+{
+    makeSharedNames(1);
+    ASSERT_EQ(::sem_unlink("/DtcmDbSharedSem"), 0);
+    warmboard::useNxu4(warmboard::Warm);
+    EXPECT_EXIT(useAndExit(), ExitedWithCode(0),
+                "^munmap 32768\nsem_close\nsem_unlink /DtcmDbSharedSem\n$");
+    EXPECT_EQ(::access("/dev/shm/DtcmSync", F_OK), 0);
+}
+
+TEST(ExitDeath, WithAPrivateAreaAndNoSemaphore)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
+    systemcalls::queue("sem_open", EACCES);
+    EXPECT_EXIT(useAndExit(), ExitedWithCode(0), "^munmap 32768\nshm_unlink /DtcmSync\n$");
+}
+
+} // namespace
