@@ -84,6 +84,13 @@ void setCode(const os::bsp::NxuHwCode& code)
                    });
 }
 
+void setWord(std::size_t index, std::int32_t value)
+{
+    variant(1).code = {};
+    variant(1).code.word[index] = value;
+    setCode(variant(1).code);
+}
+
 Store& store()
 {
     static Store& instance = *new Store{};

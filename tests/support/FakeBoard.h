@@ -50,6 +50,9 @@ Eeprom& eeprom();
 /** Puts a code into the EEPROM; its words must be bytes. */
 void setCode(const os::bsp::NxuHwCode& code);
 
+/** Gives the EEPROM and variant 1 a code of zeros but for one word, which must be a byte. */
+void setWord(std::size_t index, std::int32_t value);
+
 /** The key/value store. */
 struct Store
 {
