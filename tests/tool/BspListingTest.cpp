@@ -34,6 +34,8 @@ const std::vector<std::string> listing = {
     "bsp getBoardId           Get board ID (in text format: KT4752_REV_B, VX4791_REV_A etc.).",
     "bsp getProductId         Get product ID (in text format: KT4752, VX4791 etc.).",
     "bsp getControlBackplane  Get backplane variant (in text format: Pci, Pcie, Ethernet, None).",
+    std::string("bsp getSlotId            Get the slot position in the rack. ") +
+        "-1 indicates not yet set, 0 indicates not applicable",
     "bsp getDspType           Get DSP variant (in text format: BCM85110, BCM85655 etc.).",
     "bsp getRadiolinkMode     Get radio-link mode (in text format: Rl4 or Rl5).",
     "bsp setRadiolinkMode     Set radio-link mode (in text format: Rl4 or Rl5).",

@@ -2,16 +2,26 @@
 #include "Command.h"
 #include "LedCommands.h"
 #include "RStateCommands.h"
+#include "SlotCommand.h"
 
 namespace
 {
 
-// clang-format off: one function a line, in the order of the listing
+// clang-format off
 const std::vector<Command> bspCommands{
-    getHwRevisionCommand,     getFpgaPathCommand,         getBoardIdCommand,
-    getProductIdCommand,      getControlBackplaneCommand, getDspTypeCommand,
-    getRadiolinkModeCommand,  setRadiolinkModeCommand,    clearRadiolinkModeCommand,
-    getTrafClientModeCommand, setTrafClientModeCommand,   clearTrafClientModeCommand,
+    getHwRevisionCommand,
+    getFpgaPathCommand,
+    getBoardIdCommand,
+    getProductIdCommand,
+    getControlBackplaneCommand,
+    getSlotIdCommand,
+    getDspTypeCommand,
+    getRadiolinkModeCommand,
+    setRadiolinkModeCommand,
+    clearRadiolinkModeCommand,
+    getTrafClientModeCommand,
+    setTrafClientModeCommand,
+    clearTrafClientModeCommand,
     getTrafFpgaTypeCommand,
 };
 // clang-format on
