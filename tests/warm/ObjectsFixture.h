@@ -1,0 +1,94 @@
+/**
+ * @file
+ * @brief A store to work on, and the messages of the operations on its objects.
+ */
+#ifndef TESTS_WARM_OBJECTSFIXTURE_H
+#define TESTS_WARM_OBJECTSFIXTURE_H
+
+#include "ExpectedLines.h"
+#include "RecordingTrace.h"
+#include "SystemCalls.h"
+#include "WarmBoard.h"
+#include "WarmDatabase.h"
+
+#include <gmock/gmock.h>
+
+#include <mutex>
+#include <string>
+
+namespace objectstest
+{
+
+inline std::string created(const std::string& name, int block, unsigned int size)
+{
+    return expectedlines::prefix + "5 createObject(): Created object " + name + " in block " +
+           std::to_string(block) + ". Size of object is " + std::to_string(size);
+}
+
+inline std::string retrieved(const std::string& name, int block, unsigned int size)
+{
+    return expectedlines::prefix + "5 retrieveObject(): Retrieved object " + name + " from block " +
+           std::to_string(block) + ". Size of object is " + std::to_string(size);
+}
+
+inline std::string synced(const std::string& name, int block)
+{
+    return expectedlines::prefix + "5 getObjectSyncPointer(): Sync object for " + name +
+           " found for block " + std::to_string(block);
+}
+
+inline std::string tooLong(const std::string& name)
+{
+    return expectedlines::prefix + "1 validateObject(): Error: blockName " + name +
+           " with length " + std::to_string(name.size()) +
+           " is larger than the allowed maximum of 15";
+}
+
+inline std::string tooLarge(unsigned int size)
+{
+    return expectedlines::prefix +
+           "1 validateObject(): Error: objectSize: " + std::to_string(size) +
+           " exceeds the maximum size: 1008";
+}
+
+inline std::string alreadyPresent(const std::string& name)
+{
+    return expectedlines::prefix + "2 createObject(): Warning: object for block " + name +
+           "has been requested to be created, but it was already present in warm area";
+}
+
+inline const std::string outOfSpace =
+    expectedlines::prefix + "1 createObject(): Error: DTCM is out of space.";
+
+/** A store that starts with the contents of a file. */
+class Objects : public testing::Test
+{
+protected:
+    os::bsp::dtcm::WarmDatabase& open(const std::string& contents = warmboard::zeros())
+    {
+        warmboard::useNxu4(warmboard::Warm);
+        warmboard::fillArea(contents);
+        os::bsp::dtcm::WarmDatabase& database = os::bsp::dtcm::WarmDatabase::getInstance();
+        recordingtrace::takeLines();
+        systemcalls::take();
+        return database;
+    }
+
+    /** Fills blocks until that many are used; their names are "0", "1", ... */
+    void use(os::bsp::dtcm::WarmDatabase& database, int blocks)
+    {
+        for (int i = 0; i < blocks; ++i) {
+            EXPECT_TRUE(database.createObject(std::to_string(i), &m_object, 1, true));
+        }
+        recordingtrace::takeLines();
+        systemcalls::take();
+    }
+
+    void* m_object = nullptr;
+    std::mutex* m_sync = nullptr;
+    bool m_created = false;
+};
+
+} // namespace objectstest
+
+#endif

@@ -1,0 +1,126 @@
+#include "Program.h"
+#include "WarmProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+
+using testsupport::Outcome;
+using testsupport::Program;
+
+constexpr int NumberOfStarters = 50;
+
+/** Runs the program in C on a board. */
+Outcome read(const Board& board, const std::string& name)
+{
+    Program program{};
+    program.path = BSP_TEST_WARM_READER;
+    program.arguments = {name};
+    program.environment = board;
+    return program.run();
+}
+
+bool namesExist()
+{
+    return std::filesystem::exists("/dev/shm/sem.DtcmDbSharedSem") ||
+           std::filesystem::exists("/dev/shm/DtcmSync");
+}
+
+TEST(Processes, OfDifferentProgramsShareAnObject)
+{
+    WarmProcess writer(nxu4("0"));
+    EXPECT_EQ(writer.ask("get SHARED 64"), "created");
+    EXPECT_EQ(writer.ask("write hello"), "ok");
+    EXPECT_EQ(writer.ask("setslot 12"), "ok");
+    const Outcome outcome = read(nxu4("0"), "SHARED");
+    EXPECT_EQ(outcome.out, "hello\n12\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(writer.exit(), 0);
+    EXPECT_FALSE(namesExist());
+}
+
+TEST(Processes, ExcludeEachOtherWithABlocksMutex)
+{
+    WarmProcess first(nxu4("1"));
+    EXPECT_EQ(first.ask("get A 8"), "created");
+    WarmProcess second(nxu4("1"));
+    EXPECT_EQ(second.ask("get A 8"), "found");
+    EXPECT_EQ(first.ask("try"), "ok");
+    EXPECT_EQ(second.ask("try"), "busy");
+    EXPECT_EQ(second.ask("get B 8"), "created");
+    EXPECT_EQ(second.ask("try"), "ok") << "each block has a mutex of its own";
+    EXPECT_EQ(first.ask("unlock"), "ok");
+    EXPECT_EQ(second.ask("get A 8"), "found");
+    EXPECT_EQ(second.ask("try"), "ok");
+}
+
+TEST(Processes, FindAHeldMutexHeld)
+{
+    WarmProcess holder(nxu4("1"));
+    EXPECT_EQ(holder.ask("get A 8"), "created");
+    EXPECT_EQ(holder.ask("try"), "ok");
+    WarmProcess later(nxu4("1"));
+    EXPECT_EQ(later.ask("get A 8"), "found");
+    EXPECT_EQ(later.ask("try"), "busy");
+}
+
+TEST(Processes, StartingTogetherCreateAnObjectOnce)
+{
+    std::array<int, 2> gate{};
+    ASSERT_EQ(::pipe2(gate.data(), O_CLOEXEC), 0);
+    std::vector<std::unique_ptr<WarmProcess>> processes;
+    for (int i = 0; i < NumberOfStarters; ++i) {
+        processes.push_back(std::make_unique<WarmProcess>(nxu4("0"), gate[0]));
+        processes.back()->tell("gate 9");
+        processes.back()->tell("get RACE 8");
+    }
+    ::close(gate[0]);
+    ::close(gate[1]);
+    WarmProcess* creator = nullptr;
+    int found = 0;
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->answer(), "ok");
+        const std::string answer = process->answer();
+        if (answer == "created") {
+            EXPECT_EQ(creator, nullptr) << "two processes created it";
+            creator = process.get();
+        } else {
+            EXPECT_EQ(answer, "found");
+            ++found;
+        }
+    }
+    ASSERT_NE(creator, nullptr);
+    EXPECT_EQ(found, NumberOfStarters - 1);
+    creator->ask("write winner");
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->ask("read"), "winner");
+        EXPECT_EQ(process->ask("free"), "31");
+        EXPECT_EQ(process->ask("errors"), "");
+    }
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->exit(), 0);
+    }
+    EXPECT_FALSE(namesExist());
+}
+
+TEST(Processes, ShareTheSlotId)
+{
+    WarmProcess first(nxu4("0"));
+    EXPECT_EQ(first.ask("slot"), "-1");
+    WarmProcess second(nxu4("0"));
+    EXPECT_EQ(second.ask("slot"), "-1");
+    EXPECT_EQ(first.ask("setslot 5"), "ok");
+    EXPECT_EQ(second.ask("slot"), "5");
+}
+
+} // namespace

@@ -1,0 +1,170 @@
+/**
+ * @file
+ * @brief A program that uses the store as it is told.
+ *
+ * It reads commands from standard input, a line each, and answers each with one line:
+ *
+ * open                   makes the store
+ * create NAME SIZE       creates an object: "ok" or "failed"
+ * retrieve NAME SIZE     finds an object: "ok" or "failed"
+ * get NAME SIZE          finds or creates an object: "created", "found" or "failed"
+ * write TEXT             writes to the object
+ * read                   the object's text
+ * try                    locks the object's mutex: "ok" or "busy"
+ * unlock                 unlocks it
+ * hold                   takes the store's semaphore
+ * free                   number of free blocks
+ * slot                   the slot id
+ * setslot NUMBER         sets the slot id
+ * errors                 messages of level 1 so far
+ * gate FD                waits for the end of what comes from that descriptor
+ * fork                   starts a copy of this process, which exits at once
+ */
+#include "Bsp.h"
+#include "Program.h"
+#include "RecordingTrace.h"
+#include "WarmDatabase.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <string>
+
+#include <unistd.h>
+
+namespace
+{
+
+using os::bsp::dtcm::WarmDatabase;
+
+void* object = nullptr;
+std::mutex* sync = nullptr;
+
+struct Request
+{
+    std::string name;
+    unsigned int size = 0;
+};
+
+Request request(std::istream& words)
+{
+    Request result;
+    words >> result.name >> result.size;
+    return result;
+}
+
+std::string outcome(bool success)
+{
+    return success ? "ok" : "failed";
+}
+
+std::string get(std::istream& words)
+{
+    const Request wanted = request(words);
+    bool created = false;
+    if (!WarmDatabase::getInstance().getObjectData(wanted.name, &object, wanted.size, &sync,
+                                                   created)) {
+        return "failed";
+    }
+    return created ? "created" : "found";
+}
+
+std::string write(std::istream& words)
+{
+    std::string text;
+    words >> text;
+    std::memcpy(object, text.c_str(), text.size() + 1);
+    return "ok";
+}
+
+std::string errors()
+{
+    std::string text;
+    for (const std::string& line : recordingtrace::takeLines(1)) {
+        text += text.empty() ? line : "; " + line;
+    }
+    return text;
+}
+
+std::string gate(std::istream& words)
+{
+    int fd = -1;
+    words >> fd;
+    char byte = 0;
+    while (::read(fd, &byte, 1) > 0) {
+    }
+    return "ok";
+}
+
+std::string forkAndExit()
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        std::exit(0); // NOLINT(concurrency-mt-unsafe): a process of one thread
+    }
+    return std::to_string(testsupport::waitFor(child));
+}
+
+std::string setSlot(std::istream& words)
+{
+    int id = 0;
+    words >> id;
+    Bsp_setSlotId(id);
+    return "ok";
+}
+
+const std::map<std::string, std::function<std::string(std::istream&)>> commands = {
+    {"open", [](std::istream&) { return outcome(&WarmDatabase::getInstance() != nullptr); }},
+    {"create",
+     [](std::istream& words) {
+         const Request wanted = request(words);
+         return outcome(
+             WarmDatabase::getInstance().createObject(wanted.name, &object, wanted.size, true));
+     }},
+    {"retrieve",
+     [](std::istream& words) {
+         const Request wanted = request(words);
+         return outcome(
+             WarmDatabase::getInstance().retrieveObject(wanted.name, &object, wanted.size, true));
+     }},
+    {"get", get},
+    {"write", write},
+    {"read", [](std::istream&) { return std::string(static_cast<const char*>(object)); }},
+    {"try", [](std::istream&) { return std::string(sync->try_lock() ? "ok" : "busy"); }},
+    {"unlock",
+     [](std::istream&) {
+         sync->unlock();
+         return outcome(true);
+     }},
+    {"hold",
+     [](std::istream&) {
+         WarmDatabase::getInstance().lock();
+         return outcome(true);
+     }},
+    {"free",
+     [](std::istream&) {
+         return std::to_string(WarmDatabase::getInstance().getNumberOfFreeBlocks());
+     }},
+    {"slot", [](std::istream&) { return std::to_string(Bsp_getSlotId()); }},
+    {"setslot", setSlot},
+    {"errors", [](std::istream&) { return errors(); }},
+    {"gate", gate},
+    {"fork", [](std::istream&) { return forkAndExit(); }},
+};
+
+} // namespace
+
+int main()
+{
+    for (std::string line; std::getline(std::cin, line);) {
+        std::istringstream words(line);
+        std::string command;
+        words >> command;
+        std::cout << commands.at(command)(words) << std::endl;
+    }
+    return 0;
+}
