@@ -24,7 +24,7 @@ constexpr int Pos4 = RState::MaxMinorPos4;
 constexpr std::array<std::int32_t, MaxLetters + 1> firstMinors{
     0, 0, RState::MaxMinorSize1Char, RState::MaxMinorSize2Chars, RState::MaxMinorSize3Chars};
 
-/** For each letter the index of the alphabet's first letter that is not before it. */
+/** For each letter from A to Z the index of the first one of an alphabet that is not before it. */
 using Indexes = std::array<std::uint8_t, 'Z' - 'A' + 1>;
 
 constexpr Indexes indexesOf(std::string_view alphabet)
@@ -40,46 +40,48 @@ constexpr Indexes indexesOf(std::string_view alphabet)
     return indexes;
 }
 
-constexpr Indexes OuterIndexes = indexesOf(OuterAlphabet);
-constexpr Indexes InnerIndexes = indexesOf(InnerAlphabet);
-
-constexpr bool isOuter(int position)
+struct Alphabet
 {
-    return position == 1 || position == MaxLetters;
+    std::string_view letters;
+    Indexes indexes;
+};
+
+constexpr Alphabet Outer{OuterAlphabet, indexesOf(OuterAlphabet)};
+constexpr Alphabet Inner{InnerAlphabet, indexesOf(InnerAlphabet)};
+
+/** The alphabet of each position. */
+constexpr std::array<Alphabet, MaxLetters> alphabets{Outer, Inner, Inner, Outer};
+
+const Alphabet& alphabetOf(int position)
+{
+    return position == 1 || position == MaxLetters ? Outer : Inner;
 }
 
-// Functions of the module's own, which the compiler may inline.
-
-int indexOf(char letter, int position)
+int indexOf(char letter, const Alphabet& alphabet)
 {
-    if (!rstate::isUpper(letter)) {
-        return 0;
-    }
-    return (isOuter(position) ? OuterIndexes
-                              : InnerIndexes)[static_cast<std::size_t>(letter - 'A')];
+    return rstate::isUpper(letter) ? alphabet.indexes[static_cast<std::size_t>(letter - 'A')] : 0;
 }
 
-char letterAt(int index, int position)
+char letterAt(int index, const Alphabet& alphabet)
 {
     if (index < 0) {
         return 'A' - 1;
     }
     const auto place = static_cast<std::size_t>(index);
-    const std::string_view alphabet = isOuter(position) ? OuterAlphabet : InnerAlphabet;
-    return place < alphabet.size() ? alphabet[place]
-                                   : static_cast<char>('Z' + 1 + place - alphabet.size());
+    const std::size_t size = alphabet.letters.size();
+    return place < size ? alphabet.letters[place] : static_cast<char>('Z' + 1 + place - size);
 }
 
 } // namespace
 
 int RState::getMinorIndex(char letter, int position)
 {
-    return indexOf(letter, position);
+    return indexOf(letter, alphabetOf(position));
 }
 
 char RState::getMinorChar(int index, int position)
 {
-    return letterAt(index, position);
+    return letterAt(index, alphabetOf(position));
 }
 
 namespace rstate
@@ -91,7 +93,7 @@ std::int32_t readLetters(const char*& text)
     std::int32_t number = 0;
     std::size_t letters = 0;
     while (letters < MaxLetters && isUpper(*text)) {
-        const int index = indexOf(*text, static_cast<int>(letters + 1));
+        const int index = indexOf(*text, alphabets[letters]);
         number = number * sizes[letters] + index;
         ++letters;
         ++text;
@@ -102,22 +104,22 @@ std::int32_t readLetters(const char*& text)
 char* writeLetters(char* text, std::int32_t minor)
 {
     if (minor < firstMinors[2]) {
-        *text++ = letterAt(minor, 1);
+        *text++ = letterAt(minor, Outer);
     } else if (minor < firstMinors[3]) {
         const int rest = minor - firstMinors[2];
-        *text++ = letterAt(rest / Pos2, 1);
-        *text++ = letterAt(rest % Pos2, 2);
+        *text++ = letterAt(rest / Pos2, Outer);
+        *text++ = letterAt(rest % Pos2, Inner);
     } else if (minor < firstMinors[4]) {
         const int rest = minor - firstMinors[3];
-        *text++ = letterAt(rest / (Pos3 * Pos2), 1);
-        *text++ = letterAt(rest / Pos3 % Pos2, 2);
-        *text++ = letterAt(rest % Pos3, 3);
+        *text++ = letterAt(rest / (Pos3 * Pos2), Outer);
+        *text++ = letterAt(rest / Pos3 % Pos2, Inner);
+        *text++ = letterAt(rest % Pos3, Inner);
     } else {
         const int rest = minor - firstMinors[4];
-        *text++ = letterAt(rest / (Pos4 * Pos3 * Pos2), 1);
-        *text++ = letterAt(rest / (Pos4 * Pos3) % Pos2, 2);
-        *text++ = letterAt(rest / Pos4 % Pos3, 3);
-        *text++ = letterAt(rest % Pos4, 4);
+        *text++ = letterAt(rest / (Pos4 * Pos3 * Pos2), Outer);
+        *text++ = letterAt(rest / (Pos4 * Pos3) % Pos2, Inner);
+        *text++ = letterAt(rest / Pos4 % Pos3, Inner);
+        *text++ = letterAt(rest % Pos4, Outer);
     }
     return text;
 }
