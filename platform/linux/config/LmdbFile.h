@@ -30,7 +30,7 @@ class LmdbFile
 {
 public:
     /** Size of every store; of a new file most is a hole that takes no room. */
-    static constexpr std::size_t Size = 1024 * 1024;
+    static constexpr std::size_t Size = std::size_t{1024} * 1024;
 
     enum class Access
     {

@@ -18,7 +18,7 @@ std::string formatText(const char* format, va_list values)
         return {};
     }
     std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, values);
+    static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, format, values));
     return text;
 }
 

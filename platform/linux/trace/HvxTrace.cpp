@@ -14,7 +14,7 @@ struct OpenMessage
     HvxTraceLevel level;
     const HvxTraceHeader* header;
     std::string text;
-    std::unique_ptr<OpenMessage> next;
+    OpenMessage* next;
 };
 
 // A plain pointer: it can still be used while the thread's other objects are destroyed.
@@ -25,7 +25,7 @@ OpenMessage* findOpenMessage(const HvxTrace* channel)
 {
     OpenMessage* message = openMessages;
     while (message != nullptr && message->channel != channel) {
-        message = message->next.get();
+        message = message->next;
     }
     return message;
 }
@@ -33,16 +33,14 @@ OpenMessage* findOpenMessage(const HvxTrace* channel)
 /** Takes the thread's newest message on the channel out of its list. */
 std::unique_ptr<OpenMessage> takeOpenMessage(const HvxTrace* channel)
 {
-    std::unique_ptr<OpenMessage> list(openMessages);
-    std::unique_ptr<OpenMessage>* link = &list;
+    OpenMessage** link = &openMessages;
     while (*link != nullptr && (*link)->channel != channel) {
         link = &(*link)->next;
     }
-    std::unique_ptr<OpenMessage> message = std::move(*link);
+    std::unique_ptr<OpenMessage> message(*link);
     if (message) {
-        *link = std::move(message->next);
+        *link = message->next;
     }
-    openMessages = list.release();
     return message;
 }
 
@@ -52,12 +50,14 @@ HvxTrace::HvxTrace(const std::string& name, HvxTraceLevel level)
     : m_state(&qeltrace::findChannel(name, level))
 {}
 
-HvxTrace::~HvxTrace() = default;
+HvxTrace::~HvxTrace()
+{
+    // The channel stays: others of its name may still write.
+}
 
 void HvxTrace::beginLogMsg(HvxTraceLevel level, const HvxTraceHeader& header)
 {
-    std::unique_ptr<OpenMessage> older(openMessages);
-    openMessages = new OpenMessage{this, level, &header, {}, std::move(older)};
+    openMessages = new OpenMessage{this, level, &header, {}, openMessages};
 }
 
 void HvxTrace::logMsgData(const char* data, unsigned int length)

@@ -16,7 +16,7 @@ namespace
 
 const char* const CutMark = "...";
 
-constexpr long long SecondsOfADay = 24 * 60 * 60;
+constexpr long long SecondsOfADay = 86400;
 
 /** A day of the calendar. */
 struct Date
@@ -61,9 +61,9 @@ std::string currentTime()
     const Date date = dateOf(seconds / SecondsOfADay);
     const int second = static_cast<int>(seconds % SecondsOfADay);
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%06ldZ", date.year,
-                  date.month, date.day, second / 3600, second / 60 % 60, second % 60,
-                  now.tv_nsec / 1000);
+    static_cast<void>(std::snprintf(
+        text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%06ldZ", date.year, date.month,
+        date.day, second / 3600, second / 60 % 60, second % 60, now.tv_nsec / 1000));
     return text.data();
 }
 
@@ -106,8 +106,9 @@ std::string onOneLine(const std::string& text)
             continue;
         }
         std::array<char, sizeof "\\xHH"> escaped{};
-        std::snprintf(escaped.data(), escaped.size(), "\\x%02X",
-                      static_cast<unsigned int>(static_cast<unsigned char>(text[i])));
+        static_cast<void>(
+            std::snprintf(escaped.data(), escaped.size(), "\\x%02X",
+                          static_cast<unsigned int>(static_cast<unsigned char>(text[i]))));
         line += escaped.data();
     }
     return line;
