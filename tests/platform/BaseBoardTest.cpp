@@ -15,7 +15,6 @@ namespace
 using testing::Each;
 using testing::ElementsAre;
 using testsupport::Board;
-using testsupport::writeFile;
 
 const std::string Code("\x00\x01\x7F\x80\xFF\x05\x06\x07", 8);
 

@@ -11,7 +11,6 @@ namespace
 {
 
 using os::bsp::NxuConfig;
-using testing::IsEmpty;
 using testsupport::Board;
 using testsupport::Outcome;
 using testsupport::Program;

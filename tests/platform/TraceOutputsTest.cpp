@@ -1,0 +1,216 @@
+#include "Program.h"
+#include "Sandbox.h"
+#include "TraceTest.h"
+
+#include <array>
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+namespace
+{
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::StartsWith;
+using testsupport::Outcome;
+using testsupport::readFile;
+using testsupport::TraceTest;
+
+using TraceOutputs = TraceTest;
+
+TEST_F(TraceOutputs, CanBeNone)
+{
+    setOutput("none");
+    testing::internal::CaptureStderr();
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
+TEST_F(TraceOutputs, CanBeStandardError)
+{
+    setOutput("stderr");
+    testing::internal::CaptureStderr();
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), EndsWith("] 1 folder/file.cpp:42 text\n"));
+}
+
+TEST_F(TraceOutputs, MayBeAPipeThatNobodyReads)
+{
+    setOutput("stderr");
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    ::close(pipe[0]);
+    const int before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    ::dup2(pipe[1], STDERR_FILENO);
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    ::dup2(before, STDERR_FILENO);
+
+    sigset_t pending{};
+    EXPECT_EQ(::sigpending(&pending), 0);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+    sigset_t blocked{};
+    EXPECT_EQ(::pthread_sigmask(SIG_BLOCK, nullptr, &blocked), 0);
+    EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
+}
+
+TEST_F(TraceOutputs, MayBeClosed)
+{
+    setOutput("stderr");
+    const int before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    ::close(STDERR_FILENO);
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    ::dup2(before, STDERR_FILENO);
+    SUCCEED();
+}
+
+TEST_F(TraceOutputs, CanBeAFileThatIsAppendedTo)
+{
+    testsupport::writeFile(file, "earlier\n");
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    EXPECT_THAT(lines(), ElementsAre("earlier", EndsWith(" text")));
+}
+
+TEST_F(TraceOutputs, CanBeAFileThatIsMovedAway)
+{
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "first");
+    std::filesystem::rename(file, file + ".old");
+    write(channel, 1, "second");
+    EXPECT_THAT(readFile(file + ".old"), EndsWith(" first\n"));
+    EXPECT_THAT(texts(), ElementsAre("second"));
+}
+
+TEST_F(TraceOutputs, AreFoundAfterTheProgramChangedItsDirectory)
+{
+    ASSERT_EQ(::chdir(directory.path().c_str()), 0);
+    setOutput("trace");
+    HvxTrace channel("channel", 3);
+    ASSERT_EQ(::chdir("/"), 0);
+    write(channel, 1, "text");
+    EXPECT_THAT(texts(), ElementsAre("text"));
+}
+
+/** The trace library in a process of its own, with a system log of its own. */
+class SystemLog : public TraceTest
+{
+protected:
+    SystemLog() : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        directory.file("log").copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+    ~SystemLog() override { ::close(socket); }
+
+    Outcome trace(const std::string& level, const std::string& text) const
+    {
+        return testsupport::sandboxed(
+                   {"--dev", "/dev", "--bind", directory.file("log"), "/dev/log"}, TRACE_CLIENT,
+                   {"channel", level, text})
+            .run();
+    }
+
+    /** What the system log got. */
+    std::vector<std::string> logged() const
+    {
+        std::vector<std::string> messages;
+        std::array<char, 8192> buffer{};
+        for (;;) {
+            const ssize_t size = ::recv(socket, buffer.data(), buffer.size(), 0);
+            if (size < 0) {
+                return messages;
+            }
+            messages.emplace_back(buffer.data(), static_cast<std::size_t>(size));
+        }
+    }
+
+    const int socket;
+};
+
+TEST_F(SystemLog, IsTheDefault)
+{
+    for (const char* output : {"", "syslog"}) {
+        setOutput(output);
+        const Outcome outcome = trace("1", "text");
+        EXPECT_EQ(outcome.out + outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        const auto messages = logged();
+        EXPECT_THAT(messages, SizeIs(2));
+        for (const std::string& message : messages) {
+            EXPECT_THAT(message, StartsWith("<11>")); // an error of a program
+            EXPECT_THAT(message, HasSubstr(" channel["));
+            EXPECT_THAT(message, HasSubstr("] 1 file.cpp:7 text"));
+        }
+    }
+}
+
+TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
+{
+    setOutput("syslog");
+    // Nobody listens, or the log would fill up.
+    const Outcome outcome =
+        testsupport::sandboxed({"--dev", "/dev"}, TRACE_CLIENT, {"forks"}).run();
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_F(SystemLog, GetsTheLevelAsItsPriority)
+{
+    setOutput("syslog");
+    setLevels("*=7");
+    const std::vector<std::string> priorities = {"<11>", "<12>", "<12>", "<14>",
+                                                 "<14>", "<15>", "<15>"};
+    for (std::size_t i = 0; i < priorities.size(); ++i) {
+        trace(std::to_string(i + 1), "text");
+        EXPECT_THAT(logged(), ElementsAre(StartsWith(priorities[i]), StartsWith(priorities[i])));
+    }
+}
+
+TEST_F(SystemLog, DoesNotTakeTextsAsFormats)
+{
+    setOutput("syslog");
+    trace("1", "100%s%n");
+    EXPECT_THAT(logged(), ElementsAre(HasSubstr("100%s%n"), HasSubstr("100%s%n")));
+}
+
+TEST_F(SystemLog, GetsWhatCannotGoToAFile)
+{
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    const std::pair<std::string, std::string> cases[] = {
+        {directory.file("missing/trace"), "No such file or directory"},
+        {directory.path().string(), "Is a directory"},
+        {file, "No such device or address"},
+    };
+    for (const auto& [output, why] : cases) {
+        setOutput(output);
+        const Outcome outcome = trace("1", "text");
+        EXPECT_EQ(outcome.err,
+                  "qeltrace: ignoring '" + output + "' in QELTRACE_OUTPUT: " + why + "\n");
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(logged(), SizeIs(2));
+    }
+}
+
+TEST_F(SystemLog, MayBeMissing)
+{
+    setOutput("syslog");
+    const Outcome outcome =
+        testsupport::sandboxed({"--dev", "/dev"}, TRACE_CLIENT, {"channel", "1", "text"}).run();
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+} // namespace
