@@ -2,12 +2,13 @@
  * @file
  * @brief Does to the board what its command line says, and prints what came of it.
  *
- *     get KEY | set KEY VALUE | clear KEY | register DEVICE | fill FILE
+ *     get KEY | set KEY VALUE | clear KEY | register DEVICE | fill FILE | list DIRECTORY
  */
 #include "DDevIo.h"
 #include "NxuConfig.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <map>
@@ -67,17 +68,24 @@ std::string fill(const Arguments& arguments)
     return isFull ? "full" : "not full";
 }
 
+std::string list(const Arguments& arguments)
+{
+    std::string names;
+    for (const auto& entry : std::filesystem::directory_iterator(arguments.at(0))) {
+        names += entry.path().filename().string() + ' ';
+    }
+    return names.empty() ? "nothing" : names;
+}
+
 struct Command
 {
     std::string (*run)(const Arguments&);
     std::size_t arguments;
 };
 
-const std::map<std::string, Command> Commands = {{"get", {get, 1}},
-                                                 {"set", {set, 2}},
-                                                 {"clear", {clear, 1}},
-                                                 {"register", {readRegister, 1}},
-                                                 {"fill", {fill, 1}}};
+const std::map<std::string, Command> Commands = {
+    {"get", {get, 1}},   {"set", {set, 2}},  {"clear", {clear, 1}}, {"register", {readRegister, 1}},
+    {"fill", {fill, 1}}, {"list", {list, 1}}};
 
 } // namespace
 

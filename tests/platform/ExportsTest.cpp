@@ -53,8 +53,7 @@ TEST(Exports, OfTheBaseBoardLibrary)
 TEST(Exports, OfTheDeviceLibrary)
 {
     EXPECT_THAT(exportsOf("ddevio"),
-                ElementsAre("DDevIo::Factory::Factory", "DDevIo::Factory::createUnique",
-                            "DDevIo::Factory::getInstance", "DDevIo::Factory::~Factory",
+                ElementsAre("DDevIo::Factory::createUnique", "DDevIo::Factory::getInstance",
                             "DDevIo::PthreadMutex::PthreadMutex", "DDevIo::PthreadMutex::lock",
                             "DDevIo::PthreadMutex::unlock", "DDevIo::PthreadMutex::~PthreadMutex",
                             "DDevIo_close", "DDevIo_getFileDescriptor", "DDevIo_open",
