@@ -47,12 +47,16 @@ public:
     /** Looks for a name, up to the first free block. The caller holds the semaphore. */
     ScanResult scan(const std::string& name) const
     {
+        const char* text = name.data();
+        const std::size_t length = name.size();
+        const bool canExist = length > 0 && length <= MaxNameLength;
         unsigned int index = 0;
         for (; index < m_size; ++index) {
-            if (isFree(index)) {
+            const unsigned char* stored = m_blocks[index].name;
+            if (stored[0] == 0) {
                 return {ScanResult::FreeBlock, index};
             }
-            if (isNameOf(m_blocks[index], name)) {
+            if (canExist && isName(stored, text, length)) {
                 return {ScanResult::Found, index};
             }
         }
@@ -66,27 +70,16 @@ public:
     void reset(unsigned int index, const std::string& name) const;
 
 private:
-    /** Whether a used block has the name. */
-    static bool isNameOf(const Block& block, const std::string& name)
-    {
-        const std::size_t length = name.size();
-        return length <= MaxNameLength && block.name[length] == 0 &&
-               endsAlike(block.name, name.data(), length) &&
-               isEqualText(block.name, name.data(), length);
-    }
-
-    /** Tells most names apart at once, since the names of a board's objects often begin alike. */
-    static bool endsAlike(const unsigned char* stored, const char* text, std::size_t length)
-    {
-        return length == 0 || stored[length - 1] == static_cast<unsigned char>(text[length - 1]);
-    }
-
     /**
-     * Whether two texts of that length are the same and hold no NUL, where the stored one would
-     * end. Words of the area are read whole, which is why names are compared from their beginning.
+     * Whether a block's name is that text of 1 to 15 characters. The end is compared first, since
+     * the names of a board's objects often begin alike; the rest from the beginning, because words
+     * of the area are read where they are aligned.
      */
-    static bool isEqualText(const unsigned char* stored, const char* text, std::size_t length)
+    static bool isName(const unsigned char* stored, const char* text, std::size_t length)
     {
+        if (stored[length] != 0 || !isSame(stored[length - 1], text[length - 1])) {
+            return false;
+        }
         std::size_t i = 0;
         for (; i + sizeof(std::uint32_t) <= length; i += sizeof(std::uint32_t)) {
             const std::uint32_t word = wordAt(stored + i);
@@ -94,10 +87,18 @@ private:
                 return false;
             }
         }
-        while (i < length && stored[i] == static_cast<unsigned char>(text[i]) && stored[i] != 0) {
-            ++i;
+        for (; i + 1 < length; ++i) {
+            if (!isSame(stored[i], text[i])) {
+                return false;
+            }
         }
-        return i == length;
+        return true;
+    }
+
+    /** A NUL in the text is never the same: the block's name would end there. */
+    static bool isSame(unsigned char stored, char character)
+    {
+        return stored != 0 && stored == static_cast<unsigned char>(character);
     }
 
     static std::uint32_t wordAt(const void* bytes)
