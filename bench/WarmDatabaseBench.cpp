@@ -1,0 +1,357 @@
+/**
+ * @file
+ * @brief Warm objects and the slot id against what they cannot do without.
+ *
+ *     GetObjectData/N/P       finds the last of N objects; limit: one wait/post pair of a named
+ *                             semaphore around a strcmp scan of N names 1024 bytes apart
+ *     GetObjectDataFromC/N/P  the same through the C interface, against the same limit
+ *     GetSlotId/P             Bsp_getSlotId; limit: lock, read and unlock of a process-shared mutex
+ *
+ * P processes do the same all the time; one of them is measured. Batches of the operation and of
+ * its limit take turns, so that a busy machine slows both down; "ratio" is that of their medians.
+ *
+ * It uses the names that all processes of a board share, so it wants a /dev/shm of its own:
+ *
+ *     bwrap --dev-bind / / --tmpfs /dev/shm build/release/bench/warm_database_bench
+ */
+#include "Bsp.h"
+#include "Files.h"
+#include "TemporaryDirectory.h"
+#include "WarmDatabase.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+using os::bsp::dtcm::WarmDatabase;
+
+constexpr std::size_t NumberOfBlocks = 32;
+constexpr std::size_t BlockSize = 1024;
+constexpr std::size_t SlotBlock = 30;
+constexpr unsigned int ObjectSize = 100;
+constexpr int OperationsPerBatch = 5000;
+
+/** What the processes of one measurement share besides the store. */
+struct Shared
+{
+    enum Turn
+    {
+        Operation,
+        Limit,
+        End
+    };
+
+    std::atomic<int> turn;
+    pthread_mutex_t mutex;
+    int value;
+    std::array<char, NumberOfBlocks * BlockSize> names;
+};
+
+template <typename Type> Type* mapShared()
+{
+    void* memory =
+        ::mmap(nullptr, sizeof(Type), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
+        throw std::runtime_error("no shared memory");
+    }
+    return static_cast<Type*>(memory);
+}
+
+/** A board in a directory, its full store, and the same names and locks for the limits. */
+class Setting
+{
+public:
+    static Setting& get()
+    {
+        static Setting instance;
+        return instance;
+    }
+
+    const std::string& name(std::size_t block) const { return m_names[block]; }
+    Shared& shared() const { return *m_shared; }
+    sem_t* semaphore() const { return m_semaphore; }
+
+private:
+    Setting()
+    {
+        makeBoard();
+        fillStore();
+        initMutex();
+        m_semaphore = ::sem_open("/BspBenchLimit", O_CREAT | O_EXCL, 0600, 1U);
+        ::sem_unlink("/BspBenchLimit");
+        if (m_semaphore == SEM_FAILED) {
+            throw std::runtime_error("no semaphore for the limit");
+        }
+    }
+
+    void makeBoard()
+    {
+        if (::access("/dev/shm/sem.DtcmDbSharedSem", F_OK) == 0) {
+            throw std::runtime_error("the store is in use: give the benchmark its own /dev/shm");
+        }
+        // The code is no variant's, and its platform is Nxu4; the register says cold.
+        testsupport::writeFile(m_board.file("eeprom"),
+                               std::string("\xFE\0\xFE\xFE\xFE\xFE\xFE\xFE", 8));
+        testsupport::writeFile(m_board.file("top.dtcm0"),
+                               std::string(NumberOfBlocks * BlockSize, '\0'));
+        testsupport::writeFile(m_board.file("top.sys_ctrl0"), std::string(4096, '\0'));
+        ::setenv("BSP_BOARD_DIR", m_board.path().c_str(), 1);
+        ::setenv("QELTRACE_OUTPUT", "none", 1);
+    }
+
+    void fillStore()
+    {
+        for (std::size_t block = 0; block < NumberOfBlocks; ++block) {
+            void* object = nullptr;
+            if (block == SlotBlock) {
+                Bsp_setSlotId(5);
+                m_names.emplace_back("SLOT");
+            } else {
+                m_names.push_back("object" + std::to_string(block + 1));
+                WarmDatabase_createObject(m_names.back().c_str(), &object, ObjectSize);
+            }
+            std::strcpy(&m_shared->names[block * BlockSize], m_names.back().c_str());
+        }
+        if (WarmDatabase::getInstance().getNumberOfFreeBlocks() != 0 || Bsp_getSlotId() != 5) {
+            throw std::runtime_error("the store is not as expected");
+        }
+    }
+
+    void initMutex() const
+    {
+        pthread_mutexattr_t attributes;
+        ::pthread_mutexattr_init(&attributes);
+        ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+        ::pthread_mutex_init(&m_shared->mutex, &attributes);
+        ::pthread_mutexattr_destroy(&attributes);
+    }
+
+    const testsupport::TemporaryDirectory m_board;
+    Shared* const m_shared = mapShared<Shared>();
+    std::vector<std::string> m_names;
+    sem_t* m_semaphore = nullptr;
+};
+
+/** Finds an object by the class. */
+class Find
+{
+public:
+    explicit Find(std::size_t objects)
+        : m_database(WarmDatabase::getInstance()), m_name(Setting::get().name(objects - 1))
+    {}
+
+    void operator()() const
+    {
+        void* object = nullptr;
+        std::mutex* sync = nullptr;
+        bool created = true;
+        benchmark::DoNotOptimize(
+            m_database.getObjectData(m_name, &object, ObjectSize, &sync, created));
+        benchmark::DoNotOptimize(object);
+    }
+
+private:
+    WarmDatabase& m_database;
+    const std::string& m_name;
+};
+
+/** Finds an object by the C function. */
+class FindFromC
+{
+public:
+    explicit FindFromC(std::size_t objects) : m_name(Setting::get().name(objects - 1).c_str()) {}
+
+    void operator()() const
+    {
+        void* object = nullptr;
+        void* sync = nullptr;
+        bool created = true;
+        benchmark::DoNotOptimize(
+            WarmDatabase_getObjectData(m_name, &object, ObjectSize, &sync, &created));
+        benchmark::DoNotOptimize(object);
+    }
+
+private:
+    const char* m_name;
+};
+
+/** Finds a name among that many under a semaphore, and does nothing else. */
+class Scan
+{
+public:
+    explicit Scan(std::size_t objects)
+        : m_semaphore(Setting::get().semaphore()), m_names(Setting::get().shared().names.data()),
+          m_end(m_names + objects * BlockSize), m_name(Setting::get().name(objects - 1).c_str())
+    {}
+
+    void operator()() const
+    {
+        ::sem_wait(m_semaphore);
+        const char* found = m_names;
+        while (found != m_end && std::strcmp(found, m_name) != 0) {
+            found += BlockSize;
+        }
+        benchmark::DoNotOptimize(found);
+        ::sem_post(m_semaphore);
+    }
+
+private:
+    sem_t* m_semaphore;
+    const char* m_names;
+    const char* m_end;
+    const char* m_name;
+};
+
+void getSlotId()
+{
+    benchmark::DoNotOptimize(Bsp_getSlotId());
+}
+
+void readUnderMutex()
+{
+    Shared& shared = Setting::get().shared();
+    ::pthread_mutex_lock(&shared.mutex);
+    benchmark::DoNotOptimize(shared.value);
+    ::pthread_mutex_unlock(&shared.mutex);
+}
+
+/** Other processes that do the same; they end with the object. */
+class Others
+{
+public:
+    template <typename Operation, typename Limit>
+    Others(std::size_t number, Operation operation, Limit limit)
+    {
+        Setting::get().shared().turn = Shared::Operation;
+        for (std::size_t i = 0; i < number; ++i) {
+            const pid_t process = ::fork();
+            if (process == 0) {
+                ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+                run(operation, limit);
+                // The shared names belong to the parent, which takes them away when it exits.
+                ::_exit(0);
+            }
+            m_processes.push_back(process);
+        }
+    }
+
+    ~Others()
+    {
+        Setting::get().shared().turn = Shared::End;
+        for (const pid_t process : m_processes) {
+            ::waitpid(process, nullptr, 0);
+        }
+    }
+
+    Others(const Others&) = delete;
+    Others& operator=(const Others&) = delete;
+
+private:
+    template <typename Operation, typename Limit> static void run(Operation operation, Limit limit)
+    {
+        const std::atomic<int>& turn = Setting::get().shared().turn;
+        while (turn != Shared::End) {
+            while (turn == Shared::Operation) {
+                operation();
+            }
+            while (turn == Shared::Limit) {
+                limit();
+            }
+        }
+    }
+
+    std::vector<pid_t> m_processes;
+};
+
+/** Nanoseconds of one operation, over a batch of them. */
+template <typename Operation> double timeBatch(Shared::Turn turn, Operation operation)
+{
+    Setting::get().shared().turn = turn;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < OperationsPerBatch; ++i) {
+        operation();
+    }
+    const std::chrono::duration<double, std::nano> elapsed =
+        std::chrono::steady_clock::now() - start;
+    return elapsed.count() / OperationsPerBatch;
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+template <typename Operation, typename Limit>
+void compare(benchmark::State& state, std::size_t processes, Operation operation, Limit limit)
+{
+    std::vector<double> times;
+    std::vector<double> limits;
+    const Others others(processes - 1, operation, limit);
+    for ([[maybe_unused]] auto iteration : state) {
+        times.push_back(timeBatch(Shared::Operation, operation));
+        limits.push_back(timeBatch(Shared::Limit, limit));
+        state.SetIterationTime(times.back() * 1e-9);
+    }
+    state.counters["ns"] = median(times);
+    state.counters["limit_ns"] = median(limits);
+    state.counters["ratio"] = median(times) / median(limits);
+}
+
+template <typename Operation> void findObject(benchmark::State& state)
+{
+    Setting::get();
+    const auto objects = static_cast<std::size_t>(state.range(0));
+    compare(state, static_cast<std::size_t>(state.range(1)), Operation(objects), Scan(objects));
+}
+
+void slotId(benchmark::State& state)
+{
+    Setting::get();
+    compare(state, static_cast<std::size_t>(state.range(0)), getSlotId, readUnderMutex);
+}
+
+constexpr int Batches = 400;
+
+BENCHMARK(findObject<Find>)
+    ->Name("GetObjectData")
+    ->ArgNames({"objects", "processes"})
+    ->ArgsProduct({{1, 8, 32}, {1, 2, 4}})
+    ->Iterations(Batches)
+    ->UseManualTime();
+BENCHMARK(findObject<FindFromC>)
+    ->Name("GetObjectDataFromC")
+    ->ArgNames({"objects", "processes"})
+    ->ArgsProduct({{1, 8, 32}, {1, 2, 4}})
+    ->Iterations(Batches)
+    ->UseManualTime();
+BENCHMARK(slotId)
+    ->Name("GetSlotId")
+    ->ArgName("processes")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(4)
+    ->Iterations(Batches)
+    ->UseManualTime();
+
+} // namespace
