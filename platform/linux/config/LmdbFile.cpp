@@ -41,6 +41,11 @@ MDB_val viewOf(const std::string& text)
     return {text.size(), const_cast<char*>(text.data())}; // NOLINT(*-const-cast)
 }
 
+std::string textOf(const MDB_val& value)
+{
+    return {static_cast<const char*>(value.mv_data), value.mv_size};
+}
+
 /** A transaction on the file's only table; undone unless committed. */
 class Transaction
 {
@@ -72,7 +77,27 @@ public:
             return std::nullopt;
         }
         check(code, "cannot read");
-        return std::string(static_cast<const char*>(value.mv_data), value.mv_size);
+        return textOf(value);
+    }
+
+    std::map<std::string, std::string> all() const
+    {
+        MDB_cursor* opened = nullptr;
+        check(mdb_cursor_open(m_transaction, m_table, &opened), "cannot read");
+        const std::unique_ptr<MDB_cursor, decltype(&mdb_cursor_close)> cursor(opened,
+                                                                              mdb_cursor_close);
+        std::map<std::string, std::string> entries;
+        MDB_val key{};
+        MDB_val value{};
+        int code = mdb_cursor_get(opened, &key, &value, MDB_FIRST);
+        while (code == MDB_SUCCESS) {
+            entries.emplace(textOf(key), textOf(value));
+            code = mdb_cursor_get(opened, &key, &value, MDB_NEXT);
+        }
+        if (code != MDB_NOTFOUND) {
+            check(code, "cannot read");
+        }
+        return entries;
     }
 
     void put(const std::string& key, const std::string& value)
@@ -125,6 +150,11 @@ std::optional<std::string> LmdbFile::read(const std::string& key) const
         return std::nullopt;
     }
     return Transaction(m_environment.get(), MDB_RDONLY).get(key);
+}
+
+std::map<std::string, std::string> LmdbFile::entries() const
+{
+    return Transaction(m_environment.get(), MDB_RDONLY).all();
 }
 
 void LmdbFile::write(const std::string& key, const std::optional<std::string>& value)

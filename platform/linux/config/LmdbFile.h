@@ -1,6 +1,7 @@
 #ifndef PLATFORM_LINUX_CONFIG_LMDBFILE_H
 #define PLATFORM_LINUX_CONFIG_LMDBFILE_H
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -43,6 +44,9 @@ public:
 
     /** The value of a key, if it has one. @throws LmdbError */
     std::optional<std::string> read(const std::string& key) const;
+
+    /** All keys with their values. @throws LmdbError */
+    std::map<std::string, std::string> entries() const;
 
     /**
      * Sets a key's value, or removes the key; durable on return.

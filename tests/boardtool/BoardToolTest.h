@@ -1,0 +1,66 @@
+#ifndef TESTS_BOARDTOOL_BOARDTOOLTEST_H
+#define TESTS_BOARDTOOL_BOARDTOOLTEST_H
+
+#include "Files.h"
+#include "Program.h"
+#include "TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/** Runs bsp-board in a directory of the test case's own, in which boards have short names. */
+class BoardToolTest : public testing::Test
+{
+protected:
+    using Words = std::vector<std::string>;
+
+    testsupport::Program boardTool(Words words) const
+    {
+        testsupport::Program program = testsupport::tool("bsp-board", std::move(words));
+        program.directory = m_directory.path();
+        program.environment = {{"QELTRACE_OUTPUT", "none"}};
+        return program;
+    }
+    testsupport::Outcome run(Words words) const { return boardTool(std::move(words)).run(); }
+
+    /** Runs it and expects that it succeeds without a word. */
+    void expectQuiet(Words words) const;
+
+    /** Runs it and expects that it only complains. */
+    void expectRefusal(Words words, const std::string& complaint, int status) const;
+
+    /** The words that run a program of this build on a board. */
+    static Words wordsToRun(const std::string& board, const std::string& program,
+                            const Words& arguments);
+
+    std::string file(const std::string& name) const { return m_directory.file(name); }
+    std::string contents(const std::string& name) const
+    {
+        return testsupport::readFile(file(name));
+    }
+    void write(const std::string& name, const std::string& contents) const
+    {
+        testsupport::writeFile(file(name), contents);
+    }
+
+    /** Names of what is in a directory, in order. */
+    std::vector<std::string> entries(const std::string& directory) const;
+
+    /** The paths of all that is in the test case's directory, files with their contents. */
+    std::vector<std::string> everything() const;
+
+    /** A 32-bit word as the board's registers and memory hold it. */
+    static std::string word(std::uint32_t value)
+    {
+        return {reinterpret_cast<const char*>(&value), sizeof value};
+    }
+
+private:
+    testsupport::TemporaryDirectory m_directory;
+};
+
+#endif

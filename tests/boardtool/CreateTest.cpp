@@ -1,0 +1,243 @@
+#include "BoardToolTest.h"
+
+#include "NxuHwVariant.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using os::bsp::hwVariants;
+using os::bsp::NxuHwVariant;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* Hint = "\nTry 'bsp-board create --help'.\n";
+
+class Create : public BoardToolTest
+{
+protected:
+    mode_t mode(const std::string& name) const
+    {
+        struct stat status
+        {};
+        EXPECT_EQ(::stat(file(name).c_str(), &status), 0);
+        return status.st_mode & 07777U;
+    }
+};
+
+std::string bytesOf(const NxuHwVariant& variant)
+{
+    std::string bytes;
+    for (const std::int32_t value : variant.code.word) {
+        bytes.push_back(static_cast<char>(value));
+    }
+    return bytes;
+}
+
+TEST_F(Create, MakesAllThatABoardHas)
+{
+    expectQuiet({"create", "b"});
+    EXPECT_THAT(entries("."), ElementsAre("b"));
+    EXPECT_THAT(entries("b"),
+                ElementsAre("eeprom", "leds", "shm", "tmp", "top.dtcm0", "top.sys_ctrl0"));
+    EXPECT_EQ(contents("b/eeprom").size(), 8U);
+    EXPECT_EQ(contents("b/top.dtcm0").size(), 32768U);
+    EXPECT_EQ(contents("b/top.sys_ctrl0"), std::string(4096, '\0'));
+    EXPECT_THAT(entries("b/shm"), IsEmpty());
+    EXPECT_THAT(entries("b/tmp"), ElementsAre("restart_cold"));
+    EXPECT_THAT(entries("b/leds"), ElementsAre("green", "red", "yellow"));
+    for (const std::string led : {"b/leds/green", "b/leds/red", "b/leds/yellow"}) {
+        EXPECT_THAT(entries(led), ElementsAre("korvanta_state", "trigger"));
+        EXPECT_EQ(contents(led + "/korvanta_state"), "steady_off\n");
+        EXPECT_EQ(contents(led + "/trigger"), "none [korvanta]\n");
+    }
+}
+
+TEST_F(Create, FillsTheMemoryWithAnything)
+{
+    expectQuiet({"create", "a"});
+    expectQuiet({"create", "b"});
+    const std::string memory = contents("a/top.dtcm0");
+    EXPECT_NE(memory, contents("b/top.dtcm0"));
+    for (int byte = 0; byte < 256; ++byte) {
+        EXPECT_NE(memory.find(static_cast<char>(byte)), std::string::npos) << byte;
+    }
+}
+
+TEST_F(Create, LetsEverybodyUseTheSharedDirectoriesWhateverTheUmask)
+{
+    testsupport::Program program = boardTool({"create", "b"});
+    program.prepare = [] { ::umask(077); };
+    EXPECT_EQ(program.run().status, 0);
+    EXPECT_EQ(mode("b/shm"), 01777U);
+    EXPECT_EQ(mode("b/tmp"), 01777U);
+    EXPECT_EQ(mode("b"), 0700U);
+    EXPECT_EQ(mode("b/eeprom"), 0600U);
+}
+
+TEST_F(Create, TakesTheDefaultVariant)
+{
+    expectQuiet({"create", "b"});
+    EXPECT_EQ(contents("b/eeprom"), bytesOf(hwVariants.at(14)));
+}
+
+TEST_F(Create, TakesAnyVariant)
+{
+    for (std::size_t index = 0; index < hwVariants.size(); ++index) {
+        const std::string number = std::to_string(index);
+        expectQuiet({"create", number, "--variant", number});
+        EXPECT_EQ(contents(number + "/eeprom"), bytesOf(hwVariants[index]));
+    }
+}
+
+TEST_F(Create, TakesTheFirstVariantOfAProduct)
+{
+    const std::map<std::string, int> productCodes{
+        {"NXU4A", 1},    {"NXU2001", 2},  {"NXU2002", 3},  {"KT4851_1", 4}, {"KT4851_2", 5},
+        {"KT4766", 6},   {"DWB2001", 7},  {"KT4851_3", 9}, {"DWB2002", 10}, {"KT4851_4", 11},
+        {"NXU2003", 12}, {"NXU2004", 13}, {"DWB2003", 14},
+    };
+    for (const auto& [product, code] : productCodes) {
+        const auto first =
+            std::find_if(hwVariants.begin(), hwVariants.end(),
+                         [wanted = code](const auto& row) { return row.productCode == wanted; });
+        ASSERT_NE(first, hwVariants.end()) << product;
+        expectQuiet({"create", product, "--product", product});
+        EXPECT_EQ(contents(product + "/eeprom"), bytesOf(*first)) << product;
+    }
+}
+
+TEST_F(Create, TakesAnyCode)
+{
+    expectQuiet({"create", "b", "--code", "00112233fedcBA98"});
+    EXPECT_EQ(contents("b/eeprom"), std::string("\x00\x11\x22\x33\xFE\xDC\xBA\x98", 8));
+}
+
+TEST_F(Create, RefusesVariantsThatThereAreNot)
+{
+    const std::string number = std::to_string(hwVariants.size());
+    expectRefusal({"create", "b", "--variant", number},
+                  "bsp-board: there is no hardware variant " + number +
+                      "; 'bsp-board variants' lists them" + Hint,
+                  2);
+    expectRefusal({"create", "b", "--variant", "two"},
+                  std::string("bsp-board: Could not convert: --variant = two") + Hint, 2);
+    EXPECT_THAT(everything(), IsEmpty());
+}
+
+TEST_F(Create, RefusesProductsWithoutAVariant)
+{
+    for (const std::string product : {"KT4754", "nxu4a", "EndOfList", ""}) {
+        expectRefusal({"create", "b", "--product", product},
+                      "bsp-board: no hardware variant is of product '" + product +
+                          "'; 'bsp-board variants' lists them" + Hint,
+                      2);
+    }
+    EXPECT_THAT(everything(), IsEmpty());
+}
+
+TEST_F(Create, RefusesWhatIsNoCode)
+{
+    for (const std::string code : {"", "00112233445566", "001122334455667788", "00112233445566xx",
+                                   "0x11223344556677", "+0112233445566-7", "00 1 2 3 4 5 6 7"})
+    {
+        expectRefusal({"create", "b", "--code", code},
+                      "bsp-board: '" + code +
+                          "' is no hardware code, which has 16 hexadecimal digits" + Hint,
+                      2);
+    }
+    EXPECT_THAT(everything(), IsEmpty());
+}
+
+TEST_F(Create, RefusesTwoChoicesAtOnce)
+{
+    const std::string hint = Hint;
+    expectRefusal({"create", "b", "--product", "NXU4A", "--variant", "0"},
+                  "bsp-board: --product excludes --variant" + hint, 2);
+    expectRefusal({"create", "b", "--variant", "0", "--code", "0011223344556677"},
+                  "bsp-board: --variant excludes --code" + hint, 2);
+    expectRefusal({"create", "b", "--code", "0011223344556677", "--product", "NXU4A"},
+                  "bsp-board: --product excludes --code" + hint, 2);
+    EXPECT_THAT(everything(), IsEmpty());
+}
+
+TEST_F(Create, OverwritesNothing)
+{
+    fs::create_directory(file("empty"));
+    write("file", "mine");
+    fs::create_symlink("nowhere", file("link"));
+    const std::vector<std::string> before = everything();
+    for (const std::string name : {"empty", "file", "link", "."}) {
+        expectRefusal({"create", name}, "bsp-board: cannot create '" + name + "': File exists\n",
+                      1);
+    }
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(Create, RefusesToMakeABoardTwice)
+{
+    expectQuiet({"create", "b"});
+    const std::vector<std::string> before = everything();
+    expectRefusal({"create", "b"}, "bsp-board: cannot create 'b': File exists\n", 1);
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(Create, WantsAPlaceForTheBoard)
+{
+    write("file", "");
+    expectRefusal({"create", "no/b"},
+                  "bsp-board: cannot create 'no/b': No such file or directory\n", 1);
+    expectRefusal({"create", "file/b"}, "bsp-board: cannot create 'file/b': Not a directory\n", 1);
+    expectRefusal({"create", ""}, "bsp-board: cannot create '': No such file or directory\n", 1);
+    EXPECT_THAT(entries("."), ElementsAre("file"));
+}
+
+TEST_F(Create, TakesAPathWithASlashAtItsEnd)
+{
+    expectQuiet({"create", "b/"});
+    EXPECT_EQ(contents("b/eeprom"), bytesOf(hwVariants.at(14)));
+}
+
+TEST_F(Create, LeavesNothingBehindWhenItFails)
+{
+    testsupport::Program program = boardTool({"create", "b"});
+    program.prepare = [] {
+        constexpr rlimit smallFiles{1024, 1024};
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::setrlimit(RLIMIT_FSIZE, &smallFiles);
+    };
+    const testsupport::Outcome outcome = program.run();
+    EXPECT_THAT(outcome.err, testing::MatchesRegex(
+                                 "bsp-board: cannot write '.*/top\\.dtcm0': File too large\n"));
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(everything(), IsEmpty());
+}
+
+TEST_F(Create, GivesAPlaceToOneOfManyAtOnce)
+{
+    std::vector<pid_t> processes;
+    for (int i = 0; i < 8; ++i) {
+        testsupport::Program program = boardTool({"create", "b"});
+        program.prepare = [] { std::fclose(stderr); };
+        processes.push_back(program.start());
+    }
+    int made = 0;
+    for (const pid_t process : processes) {
+        made += testsupport::waitFor(process) == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(made, 1);
+    EXPECT_THAT(entries("."), ElementsAre("b"));
+    EXPECT_EQ(contents("b/top.dtcm0").size(), 32768U);
+}
+
+} // namespace

@@ -1,0 +1,57 @@
+#ifndef TESTS_BOARDTOOL_RUNTESTBASE_H
+#define TESTS_BOARDTOOL_RUNTESTBASE_H
+
+#include "BoardToolTest.h"
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+/** Runs commands on a board "b". */
+class RunTest : public BoardToolTest
+{
+protected:
+    void SetUp() override { expectQuiet({"create", "b", "--product", "KT4851_4"}); }
+
+    /** `bsp-board run b -- sh -c SCRIPT sh ARGUMENTS...` */
+    testsupport::Program shell(const std::string& script, const Words& arguments = {}) const
+    {
+        Words words{"run", file("b"), "--", "sh", "-c", script, "sh"};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        return boardTool(words);
+    }
+
+    static void expectOutput(const testsupport::Program& program, const std::string& output)
+    {
+        const testsupport::Outcome outcome = program.run();
+        EXPECT_EQ(outcome.out, output);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+    }
+
+    static void expectFailure(const testsupport::Program& program, const std::string& complaint,
+                              int status)
+    {
+        const testsupport::Outcome outcome = program.run();
+        EXPECT_EQ(outcome.err, complaint);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.status, status);
+    }
+
+    void writeScript(const std::string& path, const std::string& text) const
+    {
+        testsupport::writeFile(path, "#!/bin/sh\n" + text + '\n');
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    }
+
+    void waitForFile(const std::string& name) const
+    {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!std::filesystem::exists(file(name))) {
+            ASSERT_LT(std::chrono::steady_clock::now(), limit) << "no file " << name;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+};
+
+#endif

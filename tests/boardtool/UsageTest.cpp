@@ -1,0 +1,90 @@
+#include "BoardToolTest.h"
+
+#include <cstdio>
+
+namespace
+{
+
+using testing::HasSubstr;
+using testsupport::Outcome;
+
+class Usage : public BoardToolTest
+{};
+
+TEST_F(Usage, WantsACommand)
+{
+    expectRefusal({}, "bsp-board: A subcommand is required\nTry 'bsp-board --help'.\n", 2);
+}
+
+TEST_F(Usage, NamesTheCommandThatThereIsNot)
+{
+    expectRefusal({"nosuch", "b"}, "bsp-board: unknown command 'nosuch'\nTry 'bsp-board --help'.\n",
+                  2);
+    expectRefusal({"Show", "b"}, "bsp-board: unknown command 'Show'\nTry 'bsp-board --help'.\n", 2);
+    expectRefusal({"--nosuch"}, "bsp-board: unknown option '--nosuch'\nTry 'bsp-board --help'.\n",
+                  2);
+}
+
+TEST_F(Usage, NamesTheWordThatNoCommandTakes)
+{
+    expectRefusal({"variants", "extra"},
+                  "bsp-board: unexpected argument 'extra'\nTry 'bsp-board variants --help'.\n", 2);
+    expectRefusal({"show", "b", ""},
+                  "bsp-board: unexpected argument ''\nTry 'bsp-board show --help'.\n", 2);
+    expectRefusal({"create", "b", "--nosuch"},
+                  "bsp-board: unknown option '--nosuch'\nTry 'bsp-board create --help'.\n", 2);
+    expectRefusal({"restart", "b", "cold", "c"},
+                  "bsp-board: unexpected argument 'c'\nTry 'bsp-board restart --help'.\n", 2);
+    expectRefusal({"run", "--nosuch", "b", "true"},
+                  "bsp-board: unknown option '--nosuch'\nTry 'bsp-board run --help'.\n", 2);
+}
+
+TEST_F(Usage, WantsADirectory)
+{
+    for (const std::string command : {"create", "show", "restart", "run"}) {
+        expectRefusal({command},
+                      "bsp-board: DIR is required\nTry 'bsp-board " + command + " --help'.\n", 2);
+    }
+}
+
+TEST_F(Usage, ListsTheCommandsOnRequest)
+{
+    for (const char* option : {"--help", "-h"}) {
+        const Outcome outcome = run({option});
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        for (const std::string command : {"variants", "create", "show", "restart", "run"}) {
+            EXPECT_THAT(outcome.out, HasSubstr("\n  " + command + ' '));
+        }
+    }
+}
+
+TEST_F(Usage, EachCommandExplainsItself)
+{
+    const std::vector<std::pair<std::string, std::string>> usages{
+        {"variants", "[OPTIONS]"},        {"create", "[OPTIONS] DIR"},
+        {"show", "[OPTIONS] DIR"},        {"restart", "[OPTIONS] DIR CAUSE"},
+        {"run", "[OPTIONS] DIR COMMAND"},
+    };
+    for (const auto& [command, usage] : usages) {
+        const Outcome outcome = run({command, "--help"});
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.out, HasSubstr("\nUsage: bsp-board " + command + ' ' + usage + '\n'));
+    }
+}
+
+TEST_F(Usage, FailsWhenTheAnswerCannotBeWritten)
+{
+    testsupport::Program program = boardTool({"variants"});
+    program.prepare = [] {
+        if (std::freopen("/dev/full", "w", stdout) == nullptr) {
+            std::perror("/dev/full");
+        }
+    };
+    const Outcome outcome = program.run();
+    EXPECT_EQ(outcome.err, "bsp-board: cannot write to standard output\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+} // namespace

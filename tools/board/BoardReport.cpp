@@ -1,0 +1,174 @@
+#include "BoardReport.h"
+
+#include "Bsp.h"
+#include "Failure.h"
+#include "FileLock.h"
+#include "Files.h"
+#include "HardwareCode.h"
+#include "Led.h"
+#include "StoreFile.h"
+#include "Text.h"
+#include "WarmArea.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iomanip>
+#include <map>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/** Writes one line: what it is about, and the fact. */
+void write(std::ostream& out, const std::string& subject, const std::string& fact)
+{
+    out << std::setw(16) << std::left << subject << fact << '\n';
+}
+
+/** The text that a function answers, or why there is none. */
+template <typename Answer> std::string answerOrReason(const Answer& answer)
+{
+    try {
+        return answer();
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string readExactly(const fs::path& path, std::size_t size)
+{
+    std::string bytes = files::readStart(path, size);
+    if (bytes.size() < size) {
+        throw Failure("'" + path.string() + "' has " + std::to_string(bytes.size()) +
+                      " bytes instead of " + std::to_string(size));
+    }
+    return bytes;
+}
+
+/** The variant that the layer works with, and whether the board's code says so. */
+std::string variantText(const Board& board)
+{
+    const os::bsp::NxuHwVariant* const variant = Bsp_getNxuHwVariant();
+    const std::string index = std::to_string(variant - os::bsp::hwVariants.data());
+    try {
+        const bool known =
+            readExactly(board.eeprom(), Board::EepromSize) == hardwarecode::bytesOf(variant->code);
+        return known ? index : index + " (the code is not known)";
+    } catch (const Failure&) {
+        return index + " (the code cannot be read)";
+    }
+}
+
+void reportIdentity(std::ostream& out, const Board& board)
+{
+    // The layer answers here as it does for every program on this board.
+    ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    write(out, "Hardware code", answerOrReason([&] {
+              return hardwarecode::textOf(readExactly(board.eeprom(), Board::EepromSize));
+          }));
+    write(out, "Variant", variantText(board));
+    write(out, "Product", nameOf(os::bsp::productIdNames, os::bsp::getProductId()));
+    const int revision = os::bsp::getHwRevision();
+    write(out, "Revision",
+          std::to_string(revision) + " (" + nameOf(os::bsp::hwRevisionNames, revision) + ")");
+    write(out, "Platform", nameOf(os::bsp::platformTypeNames, os::bsp::getPlatformType()));
+}
+
+std::string resetCause(const Board& board)
+{
+    const std::string bytes = readExactly(board.registers(), sizeof(std::uint32_t));
+    std::uint32_t cause = 0;
+    std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(&cause));
+    return std::to_string(cause) + " (" + nameOf(os::bsp::resetTypeNames, static_cast<int>(cause)) +
+           ")";
+}
+
+void reportRestart(std::ostream& out, const Board& board)
+{
+    write(out, "Reset cause", answerOrReason([&] { return resetCause(board); }));
+    std::error_code ignored;
+    write(out, "Cold marker", fs::exists(board.coldMarker(), ignored) ? "present" : "absent");
+}
+
+std::map<std::string, std::string> storeEntries(const fs::path& path)
+{
+    const auto store = nxuconfig::StoreFile::open(path, nxuconfig::LmdbFile::Access::Read);
+    if (!store) {
+        return {};
+    }
+    const nxuconfig::FileLock lock(store->fd());
+    return store->database().entries();
+}
+
+void reportStore(std::ostream& out, const Board& board)
+{
+    std::string subject = "Store";
+    try {
+        const std::map<std::string, std::string> entries = storeEntries(board.store());
+        if (entries.empty()) {
+            write(out, subject, "empty");
+        }
+        for (const auto& [key, value] : entries) {
+            write(out, subject, printable(key) + " = " + printable(value));
+            subject.clear();
+        }
+    } catch (const std::exception& error) {
+        write(out, subject, "cannot read '" + board.store().string() + "': " + error.what());
+    }
+}
+
+std::string ledState(const Board& board, const std::string& led)
+{
+    constexpr std::size_t enough = 64;
+    const std::string text = files::readStart(board.ledState(led), enough);
+    // A plain file keeps the end of a longer former text, where the kernel's attribute does not.
+    const unsigned int state = Led_stateNameToStateObject(text.c_str());
+    return state < NoOfLedStates ? Led_stateObjectToStateName(state)
+                                 : "unknown state '" + printable(text) + "'";
+}
+
+void reportLeds(std::ostream& out, const Board& board)
+{
+    for (unsigned int led = 0; led < NoOfLeds; ++led) {
+        const std::string name = Led_objectToName(led);
+        write(out, "LED " + name, answerOrReason([&] { return ledState(board, name); }));
+    }
+}
+
+void reportBlocks(std::ostream& out, const WarmArea& area, bool dump)
+{
+    const std::vector<WarmArea::Block> blocks = area.usedBlocks();
+    write(out, "Warm area",
+          std::to_string(blocks.size()) + " of " + std::to_string(area.numberOfBlocks()) +
+              " blocks used");
+    for (const WarmArea::Block& block : blocks) {
+        write(out, "Block " + std::to_string(block.number), printable(block.name));
+        if (dump) {
+            out << hexDump(block.bytes, block.offset);
+        }
+    }
+    if (const auto slotId = area.slotId()) {
+        write(out, "Slot id", std::to_string(*slotId));
+    }
+}
+
+void reportWarmArea(std::ostream& out, const Board& board, bool dump)
+{
+    try {
+        reportBlocks(out, WarmArea(readExactly(board.dtcm(), Board::DtcmSize)), dump);
+    } catch (const Failure& failure) {
+        write(out, "Warm area", failure.what());
+    }
+}
+
+} // namespace
+
+void reportBoard(std::ostream& out, const Board& board, bool dump)
+{
+    reportIdentity(out, board);
+    reportRestart(out, board);
+    reportStore(out, board);
+    reportLeds(out, board);
+    reportWarmArea(out, board, dump);
+}

@@ -1,0 +1,32 @@
+/**
+ * @file
+ * @brief The sub-commands. Each adds itself to the program and, when chosen, runs while the command
+ *        line is parsed. They throw Failure and UsageError.
+ */
+#ifndef TOOLS_BOARD_COMMANDS_H
+#define TOOLS_BOARD_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+void addVariantsCommand(CLI::App& app);
+void addCreateCommand(CLI::App& app);
+void addRestartCommand(CLI::App& app);
+void addShowCommand(CLI::App& app);
+
+/**
+ * Adds `run`; the program's exit status becomes that of the command which is run.
+ *
+ * @param words  the command's words; see takeCommandWords
+ */
+void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& status);
+
+/**
+ * Takes the words of the command to run out of the arguments of `run`, and leaves one word in their
+ * place. They are the command's own, whatever they look like; nothing here may interpret them.
+ */
+std::vector<std::string> takeCommandWords(std::vector<std::string>& arguments);
+
+#endif

@@ -1,0 +1,13 @@
+#ifndef TOOLS_BOARD_TEXT_H
+#define TOOLS_BOARD_TEXT_H
+
+#include <string>
+#include <string_view>
+
+/** The bytes as printable text: anything else is written "\xNN", a backslash twice. */
+std::string printable(std::string_view bytes);
+
+/** A hex dump in lines of 16 bytes; equal lines after the first are one line "*". */
+std::string hexDump(std::string_view bytes, std::size_t firstOffset);
+
+#endif

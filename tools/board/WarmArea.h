@@ -1,0 +1,43 @@
+#ifndef TOOLS_BOARD_WARMAREA_H
+#define TOOLS_BOARD_WARMAREA_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/** A copy of a board's warm area, whatever it holds: after power-up that is anything. */
+class WarmArea
+{
+public:
+    static constexpr std::size_t BlockSize = 1024;
+    static constexpr std::size_t NameSize = 16;
+
+    struct Block
+    {
+        std::size_t number; /**< Counted from 1. */
+        std::size_t offset; /**< From the start of the area. */
+        std::string_view name;
+        std::string_view bytes; /**< The whole block. */
+    };
+
+    explicit WarmArea(std::string bytes) : m_bytes(std::move(bytes)) {}
+    WarmArea(const WarmArea&) = delete;
+    WarmArea& operator=(const WarmArea&) = delete;
+
+    std::size_t numberOfBlocks() const { return m_bytes.size() / BlockSize; }
+
+    /** Every block with a name; they point into this object. */
+    std::vector<Block> usedBlocks() const;
+
+    /** The slot id, when there is the object that keeps it. */
+    std::optional<std::int32_t> slotId() const;
+
+private:
+    Block block(std::size_t index) const;
+
+    std::string m_bytes;
+};
+
+#endif
