@@ -28,7 +28,7 @@ namespace trace
 /** Whether a message of that level is to be written on the channel. */
 inline bool isActive(const HvxTrace& channel, HvxTraceLevel level) noexcept
 {
-    const HvxTraceState* state = __atomic_load_n(&channel.m_state, __ATOMIC_ACQUIRE);
+    const HvxTraceState* state = __atomic_load_n(&channel.m_state, __ATOMIC_RELAXED);
     return state != nullptr && __atomic_load_n(&state->level, __ATOMIC_RELAXED) >= level;
 }
 
