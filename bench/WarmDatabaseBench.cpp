@@ -15,26 +15,23 @@
  *     bwrap --dev-bind / / --tmpfs /dev/shm build/release/bench/warm_database_bench
  */
 #include "Bsp.h"
-#include "Files.h"
-#include "TemporaryDirectory.h"
 #include "WarmDatabase.h"
+#include "WarmSetting.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
+#include <cstddef>
 #include <cstring>
-#include <stdexcept>
+#include <mutex>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <pthread.h>
-#include <sys/mman.h>
+#include <semaphore.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -44,119 +41,14 @@ namespace
 
 using os::bsp::dtcm::WarmDatabase;
 
-constexpr std::size_t NumberOfBlocks = 32;
-constexpr std::size_t BlockSize = 1024;
-constexpr std::size_t SlotBlock = 30;
-constexpr unsigned int ObjectSize = 100;
 constexpr int OperationsPerBatch = 5000;
-
-/** What the processes of one measurement share besides the store. */
-struct Shared
-{
-    enum Turn
-    {
-        Operation,
-        Limit,
-        End
-    };
-
-    std::atomic<int> turn;
-    pthread_mutex_t mutex;
-    int value;
-    std::array<char, NumberOfBlocks * BlockSize> names;
-};
-
-template <typename Type> Type* mapShared()
-{
-    void* memory =
-        ::mmap(nullptr, sizeof(Type), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) {
-        throw std::runtime_error("no shared memory");
-    }
-    return static_cast<Type*>(memory);
-}
-
-/** A board in a directory, its full store, and the same names and locks for the limits. */
-class Setting
-{
-public:
-    static Setting& get()
-    {
-        static Setting instance;
-        return instance;
-    }
-
-    const std::string& name(std::size_t block) const { return m_names[block]; }
-    Shared& shared() const { return *m_shared; }
-    sem_t* semaphore() const { return m_semaphore; }
-
-private:
-    Setting()
-    {
-        makeBoard();
-        fillStore();
-        initMutex();
-        m_semaphore = ::sem_open("/BspBenchLimit", O_CREAT | O_EXCL, 0600, 1U);
-        ::sem_unlink("/BspBenchLimit");
-        if (m_semaphore == SEM_FAILED) {
-            throw std::runtime_error("no semaphore for the limit");
-        }
-    }
-
-    void makeBoard()
-    {
-        if (::access("/dev/shm/sem.DtcmDbSharedSem", F_OK) == 0) {
-            throw std::runtime_error("the store is in use: give the benchmark its own /dev/shm");
-        }
-        // The code is no variant's, and its platform is Nxu4; the register says cold.
-        testsupport::writeFile(m_board.file("eeprom"),
-                               std::string("\xFE\0\xFE\xFE\xFE\xFE\xFE\xFE", 8));
-        testsupport::writeFile(m_board.file("top.dtcm0"),
-                               std::string(NumberOfBlocks * BlockSize, '\0'));
-        testsupport::writeFile(m_board.file("top.sys_ctrl0"), std::string(4096, '\0'));
-        ::setenv("BSP_BOARD_DIR", m_board.path().c_str(), 1);
-        ::setenv("QELTRACE_OUTPUT", "none", 1);
-    }
-
-    void fillStore()
-    {
-        for (std::size_t block = 0; block < NumberOfBlocks; ++block) {
-            void* object = nullptr;
-            if (block == SlotBlock) {
-                Bsp_setSlotId(5);
-                m_names.emplace_back("SLOT");
-            } else {
-                m_names.push_back("object" + std::to_string(block + 1));
-                WarmDatabase_createObject(m_names.back().c_str(), &object, ObjectSize);
-            }
-            std::strcpy(&m_shared->names[block * BlockSize], m_names.back().c_str());
-        }
-        if (WarmDatabase::getInstance().getNumberOfFreeBlocks() != 0 || Bsp_getSlotId() != 5) {
-            throw std::runtime_error("the store is not as expected");
-        }
-    }
-
-    void initMutex() const
-    {
-        pthread_mutexattr_t attributes;
-        ::pthread_mutexattr_init(&attributes);
-        ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
-        ::pthread_mutex_init(&m_shared->mutex, &attributes);
-        ::pthread_mutexattr_destroy(&attributes);
-    }
-
-    const testsupport::TemporaryDirectory m_board;
-    Shared* const m_shared = mapShared<Shared>();
-    std::vector<std::string> m_names;
-    sem_t* m_semaphore = nullptr;
-};
 
 /** Finds an object by the class. */
 class Find
 {
 public:
     explicit Find(std::size_t objects)
-        : m_database(WarmDatabase::getInstance()), m_name(Setting::get().name(objects - 1))
+        : m_database(WarmDatabase::getInstance()), m_name(WarmSetting::get().name(objects - 1))
     {}
 
     void operator()() const
@@ -178,7 +70,8 @@ private:
 class FindFromC
 {
 public:
-    explicit FindFromC(std::size_t objects) : m_name(Setting::get().name(objects - 1).c_str()) {}
+    explicit FindFromC(std::size_t objects) : m_name(WarmSetting::get().name(objects - 1).c_str())
+    {}
 
     void operator()() const
     {
@@ -199,8 +92,9 @@ class Scan
 {
 public:
     explicit Scan(std::size_t objects)
-        : m_semaphore(Setting::get().semaphore()), m_names(Setting::get().shared().names.data()),
-          m_end(m_names + objects * BlockSize), m_name(Setting::get().name(objects - 1).c_str())
+        : m_semaphore(WarmSetting::get().semaphore()),
+          m_names(WarmSetting::get().shared().names.data()), m_end(m_names + objects * BlockSize),
+          m_name(WarmSetting::get().name(objects - 1).c_str())
     {}
 
     void operator()() const
@@ -226,13 +120,20 @@ void getSlotId()
     benchmark::DoNotOptimize(Bsp_getSlotId());
 }
 
-void readUnderMutex()
+/** Reads a number under a mutex of all processes. */
+class ReadUnderMutex
 {
-    Shared& shared = Setting::get().shared();
-    ::pthread_mutex_lock(&shared.mutex);
-    benchmark::DoNotOptimize(shared.value);
-    ::pthread_mutex_unlock(&shared.mutex);
-}
+public:
+    void operator()() const
+    {
+        ::pthread_mutex_lock(&m_shared.mutex);
+        benchmark::DoNotOptimize(m_shared.value);
+        ::pthread_mutex_unlock(&m_shared.mutex);
+    }
+
+private:
+    Shared& m_shared = WarmSetting::get().shared();
+};
 
 /** Other processes that do the same; they end with the object. */
 class Others
@@ -241,7 +142,7 @@ public:
     template <typename Operation, typename Limit>
     Others(std::size_t number, Operation operation, Limit limit)
     {
-        Setting::get().shared().turn = Shared::Operation;
+        WarmSetting::get().shared().turn = Shared::Operation;
         for (std::size_t i = 0; i < number; ++i) {
             const pid_t process = ::fork();
             if (process == 0) {
@@ -256,7 +157,7 @@ public:
 
     ~Others()
     {
-        Setting::get().shared().turn = Shared::End;
+        WarmSetting::get().shared().turn = Shared::End;
         for (const pid_t process : m_processes) {
             ::waitpid(process, nullptr, 0);
         }
@@ -268,7 +169,7 @@ public:
 private:
     template <typename Operation, typename Limit> static void run(Operation operation, Limit limit)
     {
-        const std::atomic<int>& turn = Setting::get().shared().turn;
+        const std::atomic<int>& turn = WarmSetting::get().shared().turn;
         while (turn != Shared::End) {
             while (turn == Shared::Operation) {
                 operation();
@@ -285,7 +186,7 @@ private:
 /** Nanoseconds of one operation, over a batch of them. */
 template <typename Operation> double timeBatch(Shared::Turn turn, Operation operation)
 {
-    Setting::get().shared().turn = turn;
+    WarmSetting::get().shared().turn = turn;
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < OperationsPerBatch; ++i) {
         operation();
@@ -320,15 +221,15 @@ void compare(benchmark::State& state, std::size_t processes, Operation operation
 
 template <typename Operation> void findObject(benchmark::State& state)
 {
-    Setting::get();
+    WarmSetting::get(); // before the store is used
     const auto objects = static_cast<std::size_t>(state.range(0));
     compare(state, static_cast<std::size_t>(state.range(1)), Operation(objects), Scan(objects));
 }
 
 void slotId(benchmark::State& state)
 {
-    Setting::get();
-    compare(state, static_cast<std::size_t>(state.range(0)), getSlotId, readUnderMutex);
+    WarmSetting::get(); // before the store is used
+    compare(state, static_cast<std::size_t>(state.range(0)), getSlotId, ReadUnderMutex());
 }
 
 constexpr int Batches = 400;
