@@ -154,6 +154,28 @@ TEST(KilledHolder, OfABlocksMutexLeavesItHeld)
     EXPECT_EQ(creator.ask("try"), "busy");
 }
 
+TEST(KilledHolder, OfTheSlotIdsMutexBlocksUntilAColdRestart)
+{
+    WarmProcess creator(nxu4("1"));
+    EXPECT_EQ(creator.ask("setslot 5"), "ok");
+    {
+        WarmProcess holder(nxu4("1"));
+        EXPECT_EQ(holder.ask("lockslot"), "ok");
+        holder.kill();
+    }
+    EXPECT_EQ(creator.exit(), 0);
+    {
+        WarmProcess afterWarm(nxu4("1"));
+        afterWarm.tell("slot");
+        EXPECT_FALSE(afterWarm.answersWithin(LongWait));
+        afterWarm.kill();
+    }
+    std::filesystem::remove(semaphoreFile);
+    std::filesystem::remove(syncFile);
+    WarmProcess afterCold(nxu4("0"));
+    EXPECT_EQ(afterCold.ask("slot"), "-1");
+}
+
 TEST(SemaphoreAtZero, AfterAnExceptionBlocksEveryProcess)
 {
     WarmProcess creator(nxu4("throws"));

@@ -16,6 +16,7 @@
  * free                   number of free blocks
  * slot                   the slot id
  * setslot NUMBER         sets the slot id
+ * lockslot               locks the slot id's mutex
  * errors                 messages of level 1 so far
  * gate FD                waits for the end of what comes from that descriptor
  * fork                   starts a copy of this process, which exits at once
@@ -25,6 +26,7 @@
 #include "RecordingTrace.h"
 #include "WarmDatabase.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -34,6 +36,7 @@
 #include <sstream>
 #include <string>
 
+#include <pthread.h>
 #include <unistd.h>
 
 namespace
@@ -117,6 +120,22 @@ std::string setSlot(std::istream& words)
     return "ok";
 }
 
+/** The slot id's object as other programs see it. */
+struct SlotObject
+{
+    std::int32_t slotId;
+    pthread_mutex_t mutex;
+};
+
+std::string lockSlot()
+{
+    void* slot = nullptr;
+    if (!WarmDatabase::getInstance().retrieveObject("SLOT", &slot, sizeof(SlotObject), true)) {
+        return "failed";
+    }
+    return outcome(::pthread_mutex_lock(&static_cast<SlotObject*>(slot)->mutex) == 0);
+}
+
 const std::map<std::string, std::function<std::string(std::istream&)>> commands = {
     {"open", [](std::istream&) { return outcome(&WarmDatabase::getInstance() != nullptr); }},
     {"create",
@@ -151,6 +170,7 @@ const std::map<std::string, std::function<std::string(std::istream&)>> commands 
      }},
     {"slot", [](std::istream&) { return std::to_string(Bsp_getSlotId()); }},
     {"setslot", setSlot},
+    {"lockslot", [](std::istream&) { return lockSlot(); }},
     {"errors", [](std::istream&) { return errors(); }},
     {"gate", gate},
     {"fork", [](std::istream&) { return forkAndExit(); }},
