@@ -1,4 +1,5 @@
 #include "Board.h"
+#include "Files.h"
 #include "NxuConfig.h"
 #include "Program.h"
 
@@ -11,6 +12,7 @@
 #include <random>
 #include <thread>
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -147,6 +149,66 @@ TEST_F(ConfigProcesses, DoNotHoldTheLockOfAnotherThatEnded)
         EXPECT_TRUE(config.set("other", "value"));
         ::kill(*survivor.operator->(), SIGKILL);
     }
+}
+
+/** Holds the lock of a file, while a process that sets the key is made to wait for it. */
+class LockHolder
+{
+public:
+    explicit LockHolder(const std::string& path)
+        : m_fd(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
+    {
+        struct flock lock
+        {};
+        lock.l_type = F_WRLCK;
+        EXPECT_EQ(::fcntl(m_fd, F_SETLK, &lock), 0);
+        m_waiting = inProcess([] { return NxuConfig().set("key", "new"); });
+        // The kernel lists who waits for a lock behind an arrow.
+        const std::string waits = "-> POSIX  ADVISORY  WRITE " + std::to_string(m_waiting) + ' ';
+        while (testsupport::readFile("/proc/locks").find(waits) == std::string::npos) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    /** Lets the process go on. @return how it ends */
+    int release() const
+    {
+        ::close(m_fd);
+        return waitFor(m_waiting);
+    }
+
+private:
+    int m_fd;
+    pid_t m_waiting = -1;
+};
+
+TEST_F(ConfigProcesses, WriteToTheStoreThatTookThePlaceOfTheOneTheyWaitedFor)
+{
+    EXPECT_TRUE(config.set("key", "old"));
+    std::filesystem::copy(board.file("config.mdb"), board.file("copy"));
+    const LockHolder holder(board.file("config.mdb"));
+    std::filesystem::rename(board.file("copy"), board.file("config.mdb"));
+    EXPECT_EQ(holder.release(), 0);
+    EXPECT_EQ(config.get("key"), "new");
+}
+
+TEST_F(ConfigProcesses, MakeTheStoreWhenTheOneThatBeganGivesUp)
+{
+    const LockHolder holder(board.file("config.mdb.new"));
+    std::filesystem::remove(board.file("config.mdb.new"));
+    EXPECT_EQ(holder.release(), 0);
+    EXPECT_EQ(config.get("key"), "new");
+}
+
+TEST_F(ConfigProcesses, WriteToTheStoreThatTheOneThatBeganMade)
+{
+    EXPECT_TRUE(config.set("other", "value"));
+    std::filesystem::rename(board.file("config.mdb"), board.file("config.mdb.new"));
+    const LockHolder holder(board.file("config.mdb.new"));
+    std::filesystem::rename(board.file("config.mdb.new"), board.file("config.mdb"));
+    EXPECT_EQ(holder.release(), 0);
+    EXPECT_EQ(config.get("key"), "new");
+    EXPECT_EQ(config.get("other"), "value");
+    EXPECT_FALSE(board.has("config.mdb.new"));
 }
 
 TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)

@@ -64,16 +64,16 @@ std::vector<Image> WatchedDisk::stop()
 
 void WatchedDisk::fail(const std::string& step, int error)
 {
-    m_failures[step] = error;
+    m_failingStep = step;
+    m_failure = error;
 }
 
 bool WatchedDisk::permits(const std::string& step) const
 {
-    const auto failure = m_failures.find(step);
-    if (!m_watching || failure == m_failures.end()) {
+    if (!m_watching || step != m_failingStep) {
         return true;
     }
-    errno = failure->second;
+    errno = m_failure;
     return false;
 }
 

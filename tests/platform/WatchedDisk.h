@@ -42,7 +42,7 @@ public:
     void watch(const Board& board);
     /** Ends that. @return what a crash would have left after each step */
     std::vector<Image> stop();
-    /** Makes the calls of that step fail while the disk is watched. */
+    /** Makes the calls of that step alone fail while the disk is watched. */
     void fail(const std::string& step, int error);
 
     // What the watched calls tell:
@@ -61,7 +61,8 @@ private:
     bool m_nameIsSafe = false;
     std::map<ino_t, std::string> m_safe; /**< What of each file outlives a power cut. */
     std::vector<Image> m_images;
-    std::map<std::string, int> m_failures;
+    std::string m_failingStep;
+    int m_failure = 0;
 };
 
 } // namespace testsupport
