@@ -23,5 +23,7 @@ extern const Command getTrafClientModeCommand;
 extern const Command setTrafClientModeCommand;
 extern const Command clearTrafClientModeCommand;
 extern const Command getTrafFpgaTypeCommand;
+extern const Command getKernelRStateCommand;
+extern const Command getUbootProductInfoCommand;
 
 #endif

@@ -23,6 +23,8 @@ const std::vector<Command> bspCommands{
     setTrafClientModeCommand,
     clearTrafClientModeCommand,
     getTrafFpgaTypeCommand,
+    getKernelRStateCommand,
+    getUbootProductInfoCommand,
 };
 // clang-format on
 const std::vector<Command> ledCommands{setStateCommand};
