@@ -1,0 +1,265 @@
+// The commands of the tool that look into images.
+
+#include "Files.h"
+#include "FirmwareImages.h"
+#include "Program.h"
+#include "TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <regex>
+#include <thread>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace
+{
+
+using firmware::gzip;
+using firmware::kernelImage;
+using firmware::noise;
+using testsupport::Outcome;
+using testsupport::Program;
+using testsupport::TemporaryDirectory;
+using testsupport::tool;
+using testsupport::writeFile;
+
+const std::string realKernel = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
+const std::string realBootLoader = std::string(BSP_TEST_DATA_DIR) + "/u-boot-R2B.bin";
+
+void expectOutcome(const Outcome& outcome, const std::string& out, const std::string& err,
+                   int status)
+{
+    EXPECT_EQ(outcome.out, out);
+    EXPECT_EQ(outcome.err, err);
+    EXPECT_EQ(outcome.status, status);
+}
+
+class FirmwareTool : public testing::Test
+{
+protected:
+    std::string fileWith(const std::string& contents) const
+    {
+        const std::string name = m_directory.file("image");
+        writeFile(name, contents);
+        return name;
+    }
+
+    static Outcome kernelRState(const std::string& image)
+    {
+        return tool("bsp", {"getKernelRState", image}).run();
+    }
+    static Outcome ubootProductInfo(const std::string& image)
+    {
+        return tool("bsp", {"getUbootProductInfo", image}).run();
+    }
+
+    const TemporaryDirectory m_directory;
+};
+
+TEST_F(FirmwareTool, AnswersFromRealImages)
+{
+    expectOutcome(kernelRState(realKernel), "R1A01\n", "", 0);
+    expectOutcome(ubootProductInfo(realBootLoader), "PN-4402/17 R2B\n", "", 0);
+}
+
+TEST_F(FirmwareTool, ListsTheCommands)
+{
+    const std::string listing = tool("bsp").run().out;
+    EXPECT_THAT(listing,
+                testing::HasSubstr("bsp getKernelRState      Get kernel R-State (in text format: "
+                                   "R1A01 etc.).\n"
+                                   "bsp getUbootProductInfo  Get U-boot product number and "
+                                   "r-state.\n"));
+}
+
+TEST_F(FirmwareTool, TakesExactlyOneImage)
+{
+    for (const char* command : {"getKernelRState", "getUbootProductInfo"}) {
+        expectOutcome(tool("bsp", {command}).run(), "", "Error: valid argument is <image>\n", 1);
+        expectOutcome(tool("bsp", {command, realKernel, realKernel}).run(), "",
+                      "Error: valid argument is <image>\n", 1);
+    }
+}
+
+TEST_F(FirmwareTool, SaysThatItDoesNotKnow)
+{
+    for (const std::string& image :
+         {std::string("/no/such/image"), std::string(""), m_directory.path().string()})
+    {
+        expectOutcome(kernelRState(image), "", "Unknown r-state\n", 1);
+        expectOutcome(ubootProductInfo(image), "", "Unknown r-state\n", 1);
+    }
+    expectOutcome(kernelRState(fileWith("no kernel")), "", "Unknown r-state\n", 1);
+    expectOutcome(ubootProductInfo("/proc/self/fd"), "", "Unknown r-state\n", 1);
+    expectOutcome(ubootProductInfo("/"), "", "Unknown r-state\n", 1);
+}
+
+TEST_F(FirmwareTool, PrintsAnEmptyLineForAKernelWithoutAnRState)
+{
+    expectOutcome(kernelRState(fileWith(kernelImage("Linux version 3.10.104"))), "\n", "", 0);
+}
+
+TEST_F(FirmwareTool, PrintsAtMostSevenCharactersOfAnRState)
+{
+    expectOutcome(kernelRState(fileWith(kernelImage("Linux version 4.1.2.R12ABC01"))), "R12ABC0\n",
+                  "", 0);
+}
+
+TEST_F(FirmwareTool, PrintsWhatABootLoaderDoesNotSayAsNotFound)
+{
+    expectOutcome(ubootProductInfo(fileWith("")), "Not found Not found\n", "", 0);
+    expectOutcome(ubootProductInfo(fileWith("R-state: R1")), "Not found R1\n", "", 0);
+    expectOutcome(ubootProductInfo(fileWith("Product number: " + std::string(200, 'p'))),
+                  std::string(79, 'p') + " Not found\n", "", 0);
+}
+
+TEST_F(FirmwareTool, AnswersWithStandardInputClosed)
+{
+    Program kernel = tool("bsp", {"getKernelRState", realKernel});
+    kernel.prepare = [] { ::close(STDIN_FILENO); };
+    expectOutcome(kernel.run(), "R1A01\n", "", 0);
+    Program bootLoader = tool("bsp", {"getUbootProductInfo", realBootLoader});
+    bootLoader.prepare = [] { ::close(STDIN_FILENO); };
+    expectOutcome(bootLoader.run(), "PN-4402/17 R2B\n", "", 0);
+}
+
+/** Limits the size of the files that this process writes. */
+void limitFileSize(rlim_t size)
+{
+    const rlimit limit{size, size};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    ::signal(SIGXFSZ, SIG_IGN);
+}
+
+TEST_F(FirmwareTool, DoesNotKnowWhatItCannotInflateWhole)
+{
+    // The banner is in the part that can be written.
+    const std::string image = fileWith(kernelImage("Linux version 1.2.3.R1A" + noise(100000)));
+    expectOutcome(kernelRState(image), "R1A\n", "", 0);
+    Program limited = tool("bsp", {"getKernelRState", image});
+    limited.prepare = [] { limitFileSize(8192); };
+    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+    limited.prepare = [] { limitFileSize(0); };
+    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+    EXPECT_FALSE(std::filesystem::exists("/dev/shm/zImage_tmp"));
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool MemoryCanBeLimited = false;
+#else
+constexpr bool MemoryCanBeLimited = true;
+#endif
+
+TEST_F(FirmwareTool, DoesNotKnowAnImageLargerThanItsMemory)
+{
+    if (!MemoryCanBeLimited || !std::string(BSP_TEST_EMULATOR).empty()) {
+        GTEST_SKIP() << "sanitizers and emulators need memory without a limit";
+    }
+    const std::string image = fileWith("Product number: PN-1");
+    std::filesystem::resize_file(image, 1U << 30U);
+    Program limited = tool("bsp", {"getUbootProductInfo", image});
+    limited.prepare = [] {
+        const rlimit limit{256U << 20U, 256U << 20U};
+        ::setrlimit(RLIMIT_AS, &limit);
+    };
+    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+
+    // A kernel needs little memory besides the mapping of what it inflates to.
+    limited.arguments = {"getKernelRState", realKernel};
+    expectOutcome(limited.run(), "R1A01\n", "", 0);
+}
+
+TEST_F(FirmwareTool, AnswersManyCallersAtOnce)
+{
+    constexpr int Callers = 6;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < Callers; ++i) {
+        threads.emplace_back([this, i] {
+            const std::string rstate = "R" + std::to_string(i) + "A";
+            const std::string image = m_directory.file(rstate);
+            writeFile(image, kernelImage(noise(static_cast<std::size_t>(i) * 50000) +
+                                         "Linux version 2.6.34." + rstate));
+            for (int round = 0; round < 20; ++round) {
+                expectOutcome(kernelRState(image), rstate + '\n', "", 0);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+/** The messages on standard error as "CHANNEL LEVEL TEXT"; numbers of descriptors as "N". */
+std::vector<std::string> messages(const std::string& err)
+{
+    const std::regex line(R"(\S+ (\S+)\[\d+\] (\d) (\S+):\d+ (.*))");
+    std::vector<std::string> result;
+    std::istringstream stream(err);
+    for (std::string text; std::getline(stream, text);) {
+        std::smatch match;
+        if (std::regex_match(text, match, line)) {
+            text = match[1].str() + ' ' + match[2].str() + ' ' +
+                   std::regex_replace(match[4].str(), std::regex(R"(\(fd=\d+\))"), "(fd=N)");
+        }
+        result.push_back(text);
+    }
+    return result;
+}
+
+/** The tool with all messages of all channels on standard error. */
+Program tracing(std::vector<std::string> arguments)
+{
+    Program program = tool("bsp", std::move(arguments));
+    program.environment = {{"QELTRACE_OUTPUT", "stderr"}, {"QELTRACE_LEVEL", "*=7"}};
+    return program;
+}
+
+TEST_F(FirmwareTool, TracesEachStepOfAKernel)
+{
+    const Outcome outcome = tracing({"getKernelRState", realKernel}).run();
+    EXPECT_EQ(outcome.out, "R1A01\n");
+    std::vector<std::string> expected{
+        "bsp.core 6 ENTER Bsp_getKernelRState(" + realKernel + ")",
+        "bsp.core 6 ENTER Bsp_findArchive(fd=N)",
+        "bsp.core 7 Bsp_readHelper(): Read 65536 bytes",
+        "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos 18337",
+        "bsp.core 6 ENTER Bsp_inflateArchive(fd=N)",
+    };
+    expected.insert(expected.end(), 30, "bsp.core 7 Bsp_readHelper(): Read 16384 bytes");
+    expected.insert(expected.end(),
+                    {"bsp.core 7 Bsp_readHelper(): Read 3519 bytes",
+                     "bsp.core 7 Bsp_readHelper(): Read 0 bytes",
+                     "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful",
+                     "bsp.core 6 ENTER Bsp_findLinuxVersion()"});
+    EXPECT_THAT(messages(outcome.err), testing::ElementsAreArray(expected));
+}
+
+TEST_F(FirmwareTool, TracesEachStepOfABootLoader)
+{
+    const Outcome outcome = tracing({"getUbootProductInfo", realBootLoader}).run();
+    EXPECT_EQ(outcome.out, "PN-4402/17 R2B\n");
+    EXPECT_THAT(
+        messages(outcome.err),
+        testing::ElementsAre(
+            "bsp.core 7 Bsp_readHelper(): Read 789972 bytes",
+            "bsp.core 6 Bsp_getUbootProductInfo(): Start parsing for u-boot strings:",
+            "bsp.core 6 Bsp_getUbootProductInfo(): \"Product number: \" found at offset 539561",
+            "bsp.core 5 Bsp_getUbootProductInfo(): Product number = PN-4402/17",
+            "bsp.core 6 Bsp_getUbootProductInfo(): \"R-state: \" found at offset 539588",
+            "bsp.core 5 Bsp_getUbootProductInfo(): R-state = R2B"));
+}
+
+TEST_F(FirmwareTool, TracesWhyItDoesNotKnow)
+{
+    const Outcome outcome = tracing({"getKernelRState", fileWith(gzip("no kernel"))}).run();
+    EXPECT_EQ(outcome.status, 1);
+    const auto lines = messages(outcome.err);
+    ASSERT_GE(lines.size(), 2U);
+    EXPECT_EQ(lines[lines.size() - 2], "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found");
+    EXPECT_EQ(lines.back(), "Unknown r-state");
+}
+
+} // namespace

@@ -1,0 +1,225 @@
+// How the banner is found in an inflated kernel, and what is read from it.
+
+#include "FirmwareImages.h"
+#include "KernelQuery.h"
+#include "RecordingTrace.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <random>
+
+namespace
+{
+
+using firmware::Answer;
+using firmware::ask;
+using firmware::failed;
+using firmware::found;
+using firmware::gzip;
+using firmware::kernelImage;
+using firmware::noise;
+using firmware::Untouched;
+using recordingtrace::takeLines;
+using testing::ElementsAre;
+
+const std::string nul(1, '\0');
+
+struct Case
+{
+    std::string kernel;
+    Answer answer;
+};
+
+/** Every case by itself, at the end of the kernel, and with more behind it. */
+void expectAnswers(const std::vector<Case>& cases)
+{
+    for (const auto& [kernel, answer] : cases) {
+        for (const std::string& inflated :
+             {kernel, noise(5000) + kernel, noise(4096) + kernel + " " + noise(9000)})
+        {
+            EXPECT_EQ(ask(kernelImage(inflated)), answer) << kernel;
+            const auto errors = takeLines(1);
+            if (answer == failed()) {
+                EXPECT_THAT(errors, ElementsAre("bsp.core 1 Bsp_findLinuxVersion(): "
+                                                "No Linux version found"))
+                    << kernel;
+            } else {
+                EXPECT_THAT(errors, testing::IsEmpty()) << kernel;
+            }
+        }
+    }
+}
+
+TEST(KernelBanner, HasTheRStateAsTheVersionsFourthField)
+{
+    expectAnswers({
+        {"Linux version 2.6.34.R1A01", found("R1A01")},
+        {"Linux version 3.10.104.R2B05 (root@host) #1", found("R2B05")},
+        {"Linux version 4.1.2.R12ABC01", found("R12ABC0")},
+        {"Linux version 4.1.2.R12ABC0", found("R12ABC0")},
+        {"Linux version 0.0.0.r", found("r")},
+        {"Linux version 1.2.3.R1A01-rc1", found("R1A01")},
+        {"Linux version 1.2.3.4.5", found("4")},
+        {"Linux version 1.2.3.R1_A", found("R1")},
+        {"Linux version 1.2.3.zZ09aA", found("zZ09aA")},
+        {"Linux version 1.2.3.R1" + nul + "A01", found("R1")},
+    });
+}
+
+TEST(KernelBanner, WithoutAFourthFieldIsFoundAndLeavesTheBufferAlone)
+{
+    expectAnswers({
+        {"Linux version 3.10.104", found(Untouched)},
+        {"Linux version 3.10.104.", found(Untouched)},
+        {"Linux version 3.10.104. R1A", found(Untouched)},
+        {"Linux version 3.10.104.-R1A", found(Untouched)},
+        {"Linux version 3.10.104.\xC4R1A", found(Untouched)},
+        {"Linux version 3.10.R1A", found(Untouched)},
+        {"Linux version 3.10 .104.R1A", found(Untouched)},
+        {"Linux version 3,10,104,R1A", found(Untouched)},
+        {"Linux version .10.104.R1A", found(Untouched)},
+        {"Linux version - 3.10.104.R1A", found(Untouched)},
+        {"Linux version +-3.10.104.R1A", found(Untouched)},
+        {"Linux version 0x3.10.104.R1A", found(Untouched)},
+        {"Linux version x3.10.104.R1A", found(Untouched)},
+        {"Linux version 3.10" + nul + ".104.R1A", found(Untouched)},
+        {"Linux version " + nul + "3.10.104.R1A", found(Untouched)},
+        {"Linux version", found(Untouched)},
+        {"Linux version ", found(Untouched)},
+        {"Linux version 3", found(Untouched)},
+        {"Linux version +", found(Untouched)},
+    });
+}
+
+TEST(KernelBanner, IsSeparatedFromTheVersionByAnyOneCharacter)
+{
+    expectAnswers({
+        {"Linux version" + nul + "1.2.3.R1A", found("R1A")},
+        {"Linux version\n1.2.3.R1A", found("R1A")},
+        {"Linux version71.2.3.R1A", found("R1A")},
+        {"Linux version-1.2.3.R1A", found("R1A")},
+        {"Linux versionL1.2.3.R1A", found("R1A")},
+        {"Linux version\xFF" + std::string("1.2.3.R1A"), found("R1A")},
+        {"Linux version1.2.3.R1A", found(Untouched)},
+    });
+}
+
+TEST(KernelBanner, MayHaveBlanksAndSignsBeforeTheNumbers)
+{
+    expectAnswers({
+        {"Linux version  1.2.3.R1A", found("R1A")},
+        {"Linux version \t\n\v\f\r1. 2.\n3.R1A", found("R1A")},
+        {"Linux version +1.-2.+3.R1A", found("R1A")},
+        {"Linux version " + std::string(300, ' ') + "1.2.3.R1A", found("R1A")},
+        {"Linux version " + std::string(100000, '\n') + "-1.2.3.R1A", found("R1A")},
+    });
+}
+
+TEST(KernelBanner, MayHaveNumbersOfAnyLength)
+{
+    expectAnswers({
+        {"Linux version 99999999999999999999.2.3.R1A", found("R1A")},
+        {"Linux version 1." + std::string(300, '0') + "2.3.R1A", found("R1A")},
+        {"Linux version 1.2." + std::string(100000, '9') + ".R1A", found("R1A")},
+        {"Linux version 1.2." + std::string(100000, '9'), found(Untouched)},
+    });
+}
+
+TEST(KernelBanner, IsTheFirstOne)
+{
+    expectAnswers({
+        {"Linux version 1.2.3.R1A Linux version 1.2.3.R2B", found("R1A")},
+        {"Linux version %s Linux version 1.2.3.R2B", found(Untouched)},
+        {"Linux versionLinux version 1.2.3.R2B", found(Untouched)},
+    });
+}
+
+TEST(KernelBanner, IsSearchedWithoutLookingAtAMismatchTwice)
+{
+    expectAnswers({
+        {"LLinux version 1.2.3.R1A", failed()},
+        {"LLLinux version 1.2.3.R1A", found("R1A")},
+        {"LLLLinux version 1.2.3.R1A", failed()},
+        {"LiLinux version 1.2.3.R1A", failed()},
+        {"LiLLinux version 1.2.3.R1A", found("R1A")},
+        {"Linux Linux version 1.2.3.R1A", failed()},
+        {"Linux versioLinux version 1.2.3.R1A", failed()},
+        {"Linux versioLinux version 1.2.3.R1A Linux version 1.2.3.R2B", found("R2B")},
+        {"Linux versioxLinux version 1.2.3.R1A", found("R1A")},
+        {"Linux Version Linux version 1.2.3.R1A", found("R1A")},
+    });
+}
+
+TEST(KernelBanner, IsNothingLess)
+{
+    expectAnswers({
+        {"linux version 1.2.3.R1A", failed()},
+        {"Linux versio", failed()},
+        {"Linux versio 1.2.3.R1A", failed()},
+        {"Linux  version 1.2.3.R1A", failed()},
+        {"Linux" + nul + "version 1.2.3.R1A", failed()},
+        {"L", failed()},
+        {"nothing", failed()},
+    });
+}
+
+/** The rules in the plainest way; the kernel has no NUL. */
+Answer plainAnswer(const std::string& kernel)
+{
+    const std::string banner = "Linux version";
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < kernel.size(); ++i) {
+        count = kernel[i] == banner[count] ? count + 1 : 0;
+        if (count == banner.size()) {
+            char rstate[8] = "before";
+            int numbers[3] = {};
+            if (i + 2 <= kernel.size()) {
+                // NOLINTNEXTLINE(cert-err34-c): what does not match is part of the rule
+                std::sscanf(kernel.c_str() + i + 2, "%d.%d.%d.%7[a-zA-Z0-9]", &numbers[0],
+                            &numbers[1], &numbers[2], rstate);
+            }
+            return found(rstate);
+        }
+    }
+    return failed();
+}
+
+TEST(KernelBanner, IsReadByThePlainRulesInAnyKernel)
+{
+    const std::vector<std::string> pieces{"Linux version",
+                                          "Linux version ",
+                                          "Linux",
+                                          "L",
+                                          "Lin",
+                                          " version",
+                                          " ",
+                                          "n",
+                                          "x",
+                                          ".",
+                                          "R1A01",
+                                          "12",
+                                          "+",
+                                          "-",
+                                          "1.",
+                                          "2.3.",
+                                          "4.5.6.R",
+                                          "\n",
+                                          "versio"};
+    std::minstd_rand generator(20);
+    int successes = 0;
+    for (int round = 0; round < 3000; ++round) {
+        std::string kernel = "k";
+        for (auto i = generator() % 12 + 1; i > 0; --i) {
+            kernel += pieces[generator() % pieces.size()];
+        }
+        const Answer expected = plainAnswer(kernel);
+        ASSERT_EQ(ask(gzip(kernel)), expected) << kernel;
+        successes += expected.result == 0 ? 1 : 0;
+        takeLines();
+    }
+    EXPECT_GT(successes, 500);
+    EXPECT_LT(successes, 2500);
+}
+
+} // namespace

@@ -1,0 +1,87 @@
+/**
+ * @file
+ * @brief Asks for the R-state of a kernel image.
+ */
+#ifndef TESTS_FIRMWARE_KERNELQUERY_H
+#define TESTS_FIRMWARE_KERNELQUERY_H
+
+#include "Bsp.h"
+#include "Files.h"
+#include "TemporaryDirectory.h"
+
+#include <array>
+#include <filesystem>
+#include <ostream>
+#include <string>
+
+namespace firmware
+{
+
+constexpr const char* TemporaryImage = "/dev/shm/zImage_tmp";
+
+/** What the buffer holds before the call. */
+constexpr const char* Untouched = "before";
+
+struct Answer
+{
+    int result;
+    std::string rstate;
+};
+
+inline bool operator==(const Answer& left, const Answer& right)
+{
+    return left.result == right.result && left.rstate == right.rstate;
+}
+
+inline std::ostream& operator<<(std::ostream& stream, const Answer& answer)
+{
+    return stream << answer.result << " \"" << answer.rstate << '"';
+}
+
+inline Answer found(const std::string& rstate)
+{
+    return {0, rstate};
+}
+
+inline Answer failed()
+{
+    return {-1, Untouched};
+}
+
+/** Asks for the R-state of the image in that file. */
+inline Answer askFile(const std::string& path)
+{
+    std::array<char, 8> rstate{"before"};
+    const int result = Bsp_getKernelRState(path.c_str(), rstate.data(), rstate.size());
+    return {result, rstate.data()};
+}
+
+/** Asks for the R-state of the image of those bytes. */
+inline Answer ask(const std::string& image)
+{
+    const testsupport::TemporaryDirectory directory;
+    testsupport::writeFile(directory.file("zImage"), image);
+    return askFile(directory.file("zImage"));
+}
+
+inline bool temporaryImageExists()
+{
+    return std::filesystem::exists(std::filesystem::symlink_status(TemporaryImage));
+}
+
+/** How many descriptors this process has open. */
+inline std::ptrdiff_t openDescriptors()
+{
+    const std::filesystem::directory_iterator entries("/proc/self/fd");
+    return std::distance(begin(entries), end(entries));
+}
+
+/** Whether the temporary file, even a removed one, is still mapped. */
+inline bool temporaryImageIsMapped()
+{
+    return testsupport::readFile("/proc/self/maps").find(TemporaryImage) != std::string::npos;
+}
+
+} // namespace firmware
+
+#endif
