@@ -1,0 +1,208 @@
+/**
+ * @file
+ * @brief What it costs to find a kernel's R-state, against inflating the kernel alone.
+ *
+ * - wholeCall: the whole of Bsp_getKernelRState, and zlib inflating the same stream in memory with
+ *   its output thrown away, in turns. "ratio" is the one's shortest time by the other's: whatever
+ *   else the machine does only adds.
+ * - readImage: reading the compressed image chunk by chunk.
+ * - writeTemporaryFile: making the temporary file, writing the inflated image to it and removing
+ * it.
+ * - findBanner: mapping the temporary file and finding the banner in it.
+ *
+ * The last three are what the whole call does beside inflating. Each on two images: "real", a
+ * kernel as its own build compressed it, and "made", 24 MiB of machine code. The banner is about
+ * halfway in both.
+ */
+#include "Bsp.h"
+#include "BspFileDescriptor.h"
+#include "BspKernelImage.h"
+#include "BspReadHelper.h"
+#include "BspTemporaryFile.h"
+#include "Files.h"
+#include "FirmwareImages.h"
+#include "TemporaryDirectory.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <fcntl.h>
+#include <zlib.h>
+
+namespace
+{
+
+using os::bsp::TemporaryFile;
+
+constexpr std::size_t ChunkSize = 16384;
+constexpr const char* TemporaryName = "/dev/shm/zImage_bench";
+
+/** A kernel image in a file, and what is in it. */
+struct Image
+{
+    std::string path;
+    std::string stream;   /**< The gzip stream. */
+    std::string inflated; /**< What the stream inflates to. */
+    std::string rstate;
+};
+
+/** Inflates a stream chunk by chunk; @p take gets each chunk. */
+template <typename Take> void inflateAll(const std::string& stream, Take take)
+{
+    std::array<char, ChunkSize> chunk;
+    z_stream inflater{};
+    inflateInit2(&inflater, 15 + 32);
+    inflater.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(stream.data()));
+    inflater.avail_in = static_cast<uInt>(stream.size());
+    int result = Z_OK;
+    while (result == Z_OK) {
+        inflater.next_out = reinterpret_cast<Bytef*>(chunk.data());
+        inflater.avail_out = chunk.size();
+        result = inflate(&inflater, Z_NO_FLUSH);
+        take(chunk.data(), chunk.size() - inflater.avail_out);
+    }
+    inflateEnd(&inflater);
+    if (result != Z_STREAM_END) {
+        throw std::runtime_error("the stream does not inflate");
+    }
+}
+
+void inflateAndThrowAway(const std::string& stream)
+{
+    inflateAll(stream, [](const char* data, std::size_t) { benchmark::DoNotOptimize(*data); });
+}
+
+std::string inflated(const std::string& stream)
+{
+    std::string all;
+    inflateAll(stream, [&all](const char* data, std::size_t size) { all.append(data, size); });
+    return all;
+}
+
+Image realImage()
+{
+    const std::string path = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
+    const std::string bytes = testsupport::readFile(path);
+    const std::string stream = bytes.substr(bytes.find("\x1F\x8B\x08"));
+    return {path, stream, inflated(stream), "R1A01"};
+}
+
+/** The real kernel over and over, its banners spoilt, with one banner halfway. */
+Image madeImage(const testsupport::TemporaryDirectory& directory)
+{
+    constexpr std::size_t Size = 24U << 20U;
+    std::string kernel = realImage().inflated;
+    for (std::size_t i = kernel.find("Linux version"); i != std::string::npos;
+         i = kernel.find("Linux version"))
+    {
+        kernel[i + 1] = 'I';
+    }
+    std::string contents;
+    while (contents.size() < Size) {
+        contents += kernel;
+    }
+    contents.insert(Size / 2, "Linux version 3.10.104.R2B05 (");
+    const std::string stream = firmware::gzip(contents);
+    const std::string path = directory.file("made");
+    testsupport::writeFile(path, std::string(18000, '\0') + stream);
+    return {path, stream, contents, "R2B05"};
+}
+
+template <typename Work> double secondsOf(Work work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+void wholeCall(benchmark::State& state, const Image& image)
+{
+    double call = std::numeric_limits<double>::max();
+    double inflation = call;
+    std::array<char, os::bsp::KernelRStateSize> rstate{};
+    while (state.KeepRunning()) {
+        inflation = std::min(inflation, secondsOf([&] { inflateAndThrowAway(image.stream); }));
+        const double time = secondsOf(
+            [&] { Bsp_getKernelRState(image.path.c_str(), rstate.data(), rstate.size()); });
+        call = std::min(call, time);
+        if (rstate.data() != image.rstate) {
+            state.SkipWithError("wrong answer");
+            break;
+        }
+        state.SetIterationTime(time);
+    }
+    state.counters["inflate_ms"] = inflation * 1e3;
+    state.counters["call_ms"] = call * 1e3;
+    state.counters["ratio"] = call / inflation;
+}
+
+void readImage(benchmark::State& state, const Image& image)
+{
+    std::array<char, ChunkSize> chunk;
+    for (auto _ : state) {
+        const os::bsp::FileDescriptor fd(::open(image.path.c_str(), O_RDONLY | O_CLOEXEC));
+        while (os::bsp::Bsp_readHelper(fd.get(), chunk.data(), chunk.size()) > 0) {
+        }
+    }
+}
+
+void writeChunks(const Image& image, std::FILE* file)
+{
+    for (std::size_t i = 0; i < image.inflated.size(); i += ChunkSize) {
+        std::fwrite(image.inflated.data() + i, 1, std::min(ChunkSize, image.inflated.size() - i),
+                    file);
+    }
+}
+
+void writeTemporaryFile(benchmark::State& state, const Image& image)
+{
+    for (auto _ : state) {
+        const TemporaryFile file(TemporaryName);
+        writeChunks(image, file.stream());
+    }
+}
+
+void findBanner(benchmark::State& state, const Image& image)
+{
+    const TemporaryFile file(TemporaryName);
+    writeChunks(image, file.stream());
+    std::array<char, os::bsp::KernelRStateSize> rstate{};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(os::bsp::Bsp_findLinuxVersion(file.stream(), rstate.data()));
+    }
+}
+
+const testsupport::TemporaryDirectory directory;
+
+const bool registered = [] {
+    static const Image real = realImage();
+    static const Image made = madeImage(directory);
+    const std::map<std::string, void (*)(benchmark::State&, const Image&)> steps{
+        {"readImage", readImage},
+        {"writeTemporaryFile", writeTemporaryFile},
+        {"findBanner", findBanner},
+    };
+    for (const auto& [name, image] :
+         {std::pair<std::string, const Image*>{"real", &real}, {"made", &made}})
+    {
+        benchmark::RegisterBenchmark(("wholeCall/" + name).c_str(), wholeCall, *image)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+        for (const auto& [step, function] : steps) {
+            benchmark::RegisterBenchmark((step + ('/' + name)).c_str(), function, *image)
+                ->Unit(benchmark::kMillisecond);
+        }
+    }
+    return true;
+}();
+
+} // namespace
