@@ -104,8 +104,11 @@ public:
 
 private:
     pid_t command();
+    bool isOrphanAlive();
     void note(pid_t process, int status);
 
+    /** Whether processes whose parent ended become children of this one. */
+    const bool m_adopts = ::prctl(PR_SET_CHILD_SUBREAPER, 1) == 0;
     FileDescriptor m_information; /**< Where bubblewrap writes which process the command is. */
     pid_t m_bubblewrap = -1;
     pid_t m_command = -1;
@@ -192,11 +195,16 @@ std::optional<int> Family::reap()
     while (!m_status && (process = ::waitpid(-1, &status, WNOHANG)) > 0) {
         note(process, status);
     }
-    // The command became this process's child when bubblewrap was gone.
-    if (!m_status && m_bubblewrapKilled && (command() <= 0 || ::kill(command(), 0) != 0)) {
+    if (!m_status && m_bubblewrapKilled && !isOrphanAlive()) {
         return m_bubblewrapKilled;
     }
     return m_status;
+}
+
+/** Whether the command has lost bubblewrap and become a child of this process. */
+bool Family::isOrphanAlive()
+{
+    return m_adopts && command() > 0 && ::kill(command(), 0) == 0;
 }
 
 } // namespace
@@ -204,8 +212,6 @@ std::optional<int> Family::reap()
 int superviseBubblewrap(const std::filesystem::path& bubblewrap,
                         const std::vector<std::string>& words)
 {
-    // Processes whose parent ended are to become children of this one, not of the system's first.
-    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     const Signals signals;
     Family family(bubblewrap, words);
     for (;;) {
