@@ -169,6 +169,9 @@ TEST_F(TraceLibrary, KeepsMessagesOfManyProcessesWhole)
 
 TEST_F(TraceLibrary, CanBeUsedByAProcessForkedAtAnyMoment)
 {
+    if (!std::string(BSP_TEST_EMULATOR).empty()) {
+        GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
+    }
     Program program{};
     program.path = TRACE_CLIENT;
     program.arguments = {"forks"};
