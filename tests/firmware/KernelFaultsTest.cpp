@@ -1,86 +1,32 @@
-// Every function that the kernel's R-state is found with fails once, in each way that it can.
+// The image cannot be read or positioned, the inflated kernel not be searched.
 
-#include "FirmwareImages.h"
-#include "KernelQuery.h"
-#include "RecordingTrace.h"
-#include "SystemCalls.h"
+#include "KernelFaults.h"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <csignal>
 #include <cstring>
-#include <future>
-#include <thread>
+#include <vector>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
 {
 
 using firmware::ask;
-using firmware::askFile;
+using firmware::Course;
 using firmware::failed;
 using firmware::found;
 using firmware::gzip;
-using firmware::kernelImage;
+using firmware::headerAt1000;
+using firmware::inflated;
+using firmware::kernel;
+using firmware::KernelFaults;
 using firmware::noise;
-using firmware::TemporaryImage;
-using firmware::temporaryImageExists;
 using recordingtrace::takeLines;
 using systemcalls::fail;
 using systemcalls::hooks;
 using systemcalls::real;
 using testing::ElementsAre;
-using testsupport::TemporaryDirectory;
-using testsupport::writeFile;
-
-constexpr HvxTraceLevel Course = 5;
-
-const std::string kernel = "Linux version 2.6.34.R1A01 (builder)";
-const std::string headerAt1000 = "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos 1000";
-const std::string inflated = "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
-const std::string noTemporaryFile =
-    "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
-
-/** Sees to it that nothing is left over, whatever failed. */
-class KernelFaults : public testing::Test
-{
-protected:
-    KernelFaults()
-    {
-        writeFile(m_image, kernelImage(kernel + noise(100000)));
-        m_descriptors = firmware::openDescriptors();
-        hooks().startInflating = [this](z_stream* stream, int windowBits, const char* version,
-                                        int size) {
-            ++m_openStreams;
-            return real().startInflating(stream, windowBits, version, size);
-        };
-        hooks().inflateEnd = [this](z_stream* stream) {
-            --m_openStreams;
-            return real().inflateEnd(stream);
-        };
-    }
-    ~KernelFaults() override
-    {
-        hooks() = {};
-        EXPECT_EQ(firmware::openDescriptors(), m_descriptors);
-        EXPECT_EQ(m_openStreams, 0);
-        EXPECT_FALSE(temporaryImageExists());
-        EXPECT_FALSE(firmware::temporaryImageIsMapped());
-    }
-
-    firmware::Answer askAgain() const { return askFile(m_image); }
-
-    const TemporaryDirectory m_directory;
-    const std::string m_image = m_directory.file("zImage");
-    std::ptrdiff_t m_descriptors = 0;
-    int m_openStreams = 0;
-};
 
 TEST_F(KernelFaults, InterruptedAndShortReadsAreContinuedWhereTheyWere)
 {
@@ -192,197 +138,6 @@ TEST_F(KernelFaults, TheImageIsPositionedTwice)
                                               m_image));
 }
 
-TEST_F(KernelFaults, TheTemporaryFileIsNotOpenedThroughALink)
-{
-    int flagsOfTemporaryFile = 0;
-    hooks().open = [&](const char* path, int flags, mode_t mode) {
-        if (std::strcmp(path, TemporaryImage) == 0) {
-            flagsOfTemporaryFile = flags;
-            return fail(EMFILE);
-        }
-        EXPECT_EQ(flags & O_ACCMODE, O_RDONLY);
-        return real().open(path, flags, mode);
-    };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_TRUE((flagsOfTemporaryFile & O_NOFOLLOW) != 0);
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-}
-
-TEST_F(KernelFaults, ATemporaryFileThatCannotBeLockedIsNotUsed)
-{
-    hooks().flock = [](int, int) { return fail(ENOLCK); };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-    // It is not this call's to remove.
-    EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
-}
-
-TEST_F(KernelFaults, WaitingForTheTemporaryFileMayBeInterrupted)
-{
-    int interruptions = 0;
-    hooks().flock = [&](int fd, int operation) {
-        if (operation == LOCK_EX && ++interruptions < 3) {
-            return fail(EINTR);
-        }
-        return real().flock(fd, operation);
-    };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_EQ(interruptions, 3);
-}
-
-TEST_F(KernelFaults, ATemporaryFileRemovedWhileWaitingIsMadeAnew)
-{
-    int locks = 0;
-    hooks().flock = [&](int fd, int operation) {
-        // What the call before did: it removed the file when it had finished.
-        if (operation == LOCK_EX && ++locks <= 2) {
-            std::filesystem::remove(TemporaryImage);
-        }
-        return real().flock(fd, operation);
-    };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_EQ(locks, 3);
-}
-
-TEST_F(KernelFaults, ATemporaryFileReplacedWhileWaitingIsLeftToItsOwner)
-{
-    int locks = 0;
-    hooks().flock = [&](int fd, int operation) {
-        if (operation == LOCK_EX && ++locks == 1) {
-            std::filesystem::remove(TemporaryImage);
-            writeFile(TemporaryImage, "the next caller's");
-        }
-        return real().flock(fd, operation);
-    };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_EQ(locks, 2);
-}
-
-TEST_F(KernelFaults, TheTemporaryFileIsRemovedBeforeTheLockIsGivenUp)
-{
-    bool unlocked = false;
-    hooks().flock = [&](int fd, int operation) {
-        if (operation == LOCK_UN) {
-            unlocked = true;
-            EXPECT_FALSE(temporaryImageExists());
-        }
-        return real().flock(fd, operation);
-    };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_TRUE(unlocked);
-}
-
-TEST_F(KernelFaults, ATemporaryFileWithoutAStreamIsRemoved)
-{
-    hooks().fdopen = [](int, const char* mode) -> std::FILE* {
-        EXPECT_STREQ(mode, "w+");
-        EXPECT_TRUE(temporaryImageExists());
-        errno = ENOMEM;
-        return nullptr;
-    };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-}
-
-TEST_F(KernelFaults, ZlibIsAskedForGzipByTheInterfaceOfItsVersion)
-{
-    int calls = 0;
-    hooks().startInflating = [&](z_stream* stream, int windowBits, const char* version, int size) {
-        const z_stream zero{};
-        EXPECT_EQ(std::memcmp(stream, &zero, sizeof zero), 0);
-        EXPECT_EQ(windowBits, 47);
-        EXPECT_STREQ(version, "1.2.7");
-        EXPECT_EQ(size, static_cast<int>(sizeof(z_stream)));
-        ++calls;
-        ++m_openStreams;
-        return real().startInflating(stream, windowBits, version, size);
-    };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_EQ(calls, 1);
-}
-
-TEST_F(KernelFaults, NothingIsReadWithoutAZlibStream)
-{
-    hooks().startInflating = [](z_stream*, int, const char*, int) { return Z_MEM_ERROR; };
-    EXPECT_EQ(askAgain(), failed());
-    const auto lines = takeLines();
-    ASSERT_FALSE(lines.empty());
-    EXPECT_THAT(lines.back(), testing::StartsWith("bsp.core 6 ENTER Bsp_inflateArchive(fd="));
-}
-
-TEST_F(KernelFaults, ZlibWorksOnChunksOf16KiB)
-{
-    std::vector<std::size_t> sizes;
-    hooks().read = [&](int fd, void* buffer, std::size_t size) {
-        sizes.push_back(size);
-        return real().read(fd, buffer, size);
-    };
-    hooks().inflate = [&](z_stream* stream, int flush) {
-        EXPECT_EQ(stream->avail_out, 16384U);
-        EXPECT_EQ(flush, Z_NO_FLUSH);
-        return real().inflate(stream, flush);
-    };
-    EXPECT_EQ(ask(gzip(kernel + noise(300000), 0)), found("R1A01"));
-    ASSERT_GT(sizes.size(), 2U);
-    EXPECT_EQ(sizes[0], 65536U);
-    EXPECT_EQ(*std::max_element(sizes.begin() + 1, sizes.end()), 16384U);
-}
-
-TEST_F(KernelFaults, ThreeResultsOfZlibAreFailuresAfterAnyNumberOfChunks)
-{
-    for (const int code : {Z_NEED_DICT, Z_DATA_ERROR, Z_MEM_ERROR}) {
-        for (const int chunks : {0, 1, 4}) {
-            int calls = 0;
-            hooks().inflate = [&](z_stream* stream, int flush) {
-                return calls++ == chunks ? code : real().inflate(stream, flush);
-            };
-            EXPECT_EQ(askAgain(), failed());
-            EXPECT_EQ(calls, chunks + 1);
-            EXPECT_THAT(
-                takeLines(Course),
-                ElementsAre(headerAt1000, "bsp.core 1 Bsp_inflateArchive(): inflate() failed with "
-                                          "error " +
-                                              std::to_string(code)));
-            EXPECT_EQ(m_openStreams, 0);
-            EXPECT_FALSE(temporaryImageExists());
-        }
-    }
-}
-
-TEST_F(KernelFaults, OtherResultsOfZlibAreNoFailures)
-{
-    for (const int code : {Z_BUF_ERROR, Z_STREAM_ERROR, Z_ERRNO, Z_VERSION_ERROR}) {
-        int calls = 0;
-        hooks().inflate = [&](z_stream* stream, int flush) {
-            const int result = real().inflate(stream, flush);
-            return calls++ == 1 ? code : result;
-        };
-        EXPECT_EQ(askAgain(), found("R1A01"));
-        EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, inflated));
-    }
-}
-
-TEST_F(KernelFaults, AShortWriteIsAFailure)
-{
-    int calls = 0;
-    hooks().fwrite = [&](const void* data, std::size_t size, std::size_t count, std::FILE* file) {
-        const std::size_t written = real().fwrite(data, size, count, file);
-        return ++calls == 3 ? written - 1 : written;
-    };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_EQ(calls, 3);
-    EXPECT_THAT(takeLines(Course),
-                ElementsAre(headerAt1000, "bsp.core 1 Bsp_inflateArchive(): fwrite() failed"));
-}
-
-TEST_F(KernelFaults, AStreamErrorIsAFailure)
-{
-    hooks().ferror = [](std::FILE*) { return 1; };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course),
-                ElementsAre(headerAt1000, "bsp.core 1 Bsp_inflateArchive(): fwrite() failed"));
-}
-
 TEST_F(KernelFaults, AFailingSeekIsSurvived)
 {
     hooks().fseek = [](std::FILE* file, long offset, int whence) {
@@ -458,69 +213,6 @@ TEST_F(KernelFaults, NothingBehindTheMappingIsRead)
     {
         EXPECT_EQ(ask(gzip(noise(page - std::strlen(end)) + end)), found(firmware::Untouched));
     }
-}
-
-/** A process that holds the temporary file until it is killed. */
-class StuckCaller
-{
-public:
-    explicit StuckCaller(const std::string& image)
-    {
-        int ready[2];
-        EXPECT_EQ(::pipe(ready), 0);
-        m_process = ::fork();
-        if (m_process == 0) {
-            // The file is made, locked and partly written when the second chunk is read.
-            int reads = 0;
-            hooks().read = [&](int fd, void* buffer, std::size_t size) {
-                if (++reads == 3) {
-                    EXPECT_EQ(::write(ready[1], "r", 1), 1);
-                    ::pause();
-                }
-                return real().read(fd, buffer, size);
-            };
-            askFile(image);
-            ::_exit(1);
-        }
-        char byte = 0;
-        EXPECT_EQ(real().read(ready[0], &byte, 1), 1);
-        ::close(ready[0]);
-        ::close(ready[1]);
-    }
-    ~StuckCaller() { kill(); }
-
-    void kill()
-    {
-        if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
-            ::waitpid(m_process, nullptr, 0);
-            m_process = 0;
-        }
-    }
-
-private:
-    pid_t m_process = 0;
-};
-
-TEST_F(KernelFaults, AKilledCallerLeavesNothingThatHarms)
-{
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
-    {
-        const StuckCaller caller(m_directory.file("other"));
-    }
-    EXPECT_TRUE(temporaryImageExists());
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_FALSE(temporaryImageExists());
-}
-
-TEST_F(KernelFaults, AWaitingCallerGoesOnWhenTheOtherIsKilled)
-{
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
-    StuckCaller caller(m_directory.file("other"));
-    auto answer = std::async(std::launch::async, [this] { return askAgain(); });
-    EXPECT_EQ(answer.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
-    caller.kill();
-    EXPECT_EQ(answer.get(), found("R1A01"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include "Bsp.h"
 #include "Files.h"
+#include "OpenDescriptors.h"
 #include "TemporaryDirectory.h"
 
 #include <array>
@@ -67,13 +68,6 @@ inline Answer ask(const std::string& image)
 inline bool temporaryImageExists()
 {
     return std::filesystem::exists(std::filesystem::symlink_status(TemporaryImage));
-}
-
-/** How many descriptors this process has open. */
-inline std::ptrdiff_t openDescriptors()
-{
-    const std::filesystem::directory_iterator entries("/proc/self/fd");
-    return std::distance(begin(entries), end(entries));
 }
 
 /** Whether the temporary file, even a removed one, is still mapped. */

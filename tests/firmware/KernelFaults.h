@@ -1,0 +1,70 @@
+/**
+ * @file
+ * @brief A kernel image, and a look at what a call that fails leaves over.
+ */
+#ifndef TESTS_FIRMWARE_KERNELFAULTS_H
+#define TESTS_FIRMWARE_KERNELFAULTS_H
+
+#include "FirmwareImages.h"
+#include "KernelQuery.h"
+#include "RecordingTrace.h"
+#include "SystemCalls.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+namespace firmware
+{
+
+using systemcalls::hooks;
+using systemcalls::real;
+using testsupport::TemporaryDirectory;
+
+/** Messages up to this level say how a call went. */
+constexpr HvxTraceLevel Course = 5;
+
+inline const std::string kernel = "Linux version 2.6.34.R1A01 (builder)";
+inline const std::string headerAt1000 =
+    "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos 1000";
+inline const std::string inflated =
+    "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
+
+/** Sees to it that nothing is left over, whatever failed. */
+class KernelFaults : public testing::Test
+{
+protected:
+    KernelFaults()
+    {
+        testsupport::writeFile(m_image, kernelImage(kernel + noise(100000)));
+        m_descriptors = openDescriptors();
+        hooks().startInflating = [this](z_stream* stream, int windowBits, const char* version,
+                                        int size) {
+            ++m_openStreams;
+            return real().startInflating(stream, windowBits, version, size);
+        };
+        hooks().inflateEnd = [this](z_stream* stream) {
+            --m_openStreams;
+            return real().inflateEnd(stream);
+        };
+    }
+    ~KernelFaults() override
+    {
+        hooks() = {};
+        EXPECT_EQ(openDescriptors(), m_descriptors);
+        EXPECT_EQ(m_openStreams, 0);
+        EXPECT_FALSE(temporaryImageExists());
+        EXPECT_FALSE(temporaryImageIsMapped());
+    }
+
+    Answer askAgain() const { return askFile(m_image); }
+
+    const TemporaryDirectory m_directory;
+    const std::string m_image = m_directory.file("zImage");
+    std::ptrdiff_t m_descriptors = 0;
+    int m_openStreams = 0;
+};
+
+} // namespace firmware
+
+#endif
