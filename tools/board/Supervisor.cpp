@@ -1,6 +1,5 @@
 #include "Supervisor.h"
 
-#include "ErrnoKeeper.h"
 #include "Failure.h"
 #include "FileDescriptor.h"
 
@@ -24,8 +23,8 @@ constexpr int SignalBase = 128;
 /** Signals that a process may be sent to make it end or do something. */
 constexpr int PassedOn[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2};
 
-/** Where the signal handler writes; a handler reaches nothing but globals. */
-volatile std::sig_atomic_t signalPipe = -1;
+/** Signals that came, by number; a handler reaches nothing but globals. */
+std::array<volatile std::sig_atomic_t, NSIG> noted{};
 
 /** Signals of the terminal have been sent to the command, too; those of processes have not. */
 bool isFromProcess(const siginfo_t& info)
@@ -35,11 +34,8 @@ bool isFromProcess(const siginfo_t& info)
 
 void noteSignal(int signal, siginfo_t* info, void* /*context*/)
 {
-    const trace::ErrnoKeeper errnoKeeper;
     if (signal == SIGCHLD || isFromProcess(*info)) {
-        const auto byte = static_cast<unsigned char>(signal);
-        // With the pipe full there is enough to do.
-        [[maybe_unused]] const ssize_t written = ::write(signalPipe, &byte, sizeof byte);
+        noted[static_cast<std::size_t>(signal)] = 1;
     }
 }
 
@@ -49,53 +45,60 @@ class Signals
 public:
     Signals()
     {
-        std::array<int, 2> ends{};
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw Failure("cannot make a pipe", errno);
-        }
-        m_reading = FileDescriptor(ends[0]);
-        m_writing = FileDescriptor(ends[1]);
-        ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
-        signalPipe = ends[1];
+        sigset_t taken{};
+        ::sigemptyset(&taken);
         for (const int signal : PassedOn) {
             struct sigaction current
             {};
             ::sigaction(signal, nullptr, &current);
             if (current.sa_handler != SIG_IGN) {
-                take(signal);
+                take(signal, taken);
             }
         }
-        take(SIGCHLD);
+        take(SIGCHLD, taken);
+        ::pthread_sigmask(SIG_BLOCK, &taken, &m_former);
+        m_whileWaiting = m_former;
+        ::sigdelset(&m_whileWaiting, SIGCHLD);
     }
 
-    /** Waits for the next one. */
+    /** Waits for the next one. They are let in nowhere else, so none is missed. */
     int next() const
     {
-        unsigned char byte = 0;
-        while (::read(m_reading.get(), &byte, sizeof byte) != sizeof byte) {
+        for (;;) {
+            for (std::size_t signal = 0; signal < noted.size(); ++signal) {
+                if (noted[signal] != 0) {
+                    noted[signal] = 0;
+                    return static_cast<int>(signal);
+                }
+            }
+            ::sigsuspend(&m_whileWaiting); // NOLINT(concurrency-mt-unsafe): one thread
         }
-        return byte;
     }
 
+    /** Lets them in as before; for the programs that this one becomes. */
+    void restore() const { ::pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
+
 private:
-    static void take(int signal)
+    static void take(int signal, sigset_t& taken)
     {
         struct sigaction action
         {};
         action.sa_sigaction = noteSignal;
         action.sa_flags = SA_SIGINFO | SA_RESTART;
         ::sigaction(signal, &action, nullptr);
+        ::sigaddset(&taken, signal);
     }
 
-    FileDescriptor m_reading;
-    FileDescriptor m_writing;
+    sigset_t m_former{};
+    sigset_t m_whileWaiting{};
 };
 
 /** bubblewrap and the command that it runs. */
 class Family
 {
 public:
-    Family(const std::filesystem::path& bubblewrap, std::vector<std::string> words);
+    Family(const std::filesystem::path& bubblewrap, std::vector<std::string> words,
+           const Signals& signals);
 
     /** Sends a signal to the command. */
     void send(int signal);
@@ -130,7 +133,8 @@ private:
     ::_exit(EXIT_FAILURE);
 }
 
-Family::Family(const std::filesystem::path& bubblewrap, std::vector<std::string> words)
+Family::Family(const std::filesystem::path& bubblewrap, std::vector<std::string> words,
+               const Signals& signals)
 {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
@@ -145,6 +149,7 @@ Family::Family(const std::filesystem::path& bubblewrap, std::vector<std::string>
     }
     if (m_bubblewrap == 0) {
         ::fcntl(writing.get(), F_SETFD, 0);
+        signals.restore();
         become(bubblewrap, words);
     }
 }
@@ -213,7 +218,7 @@ int superviseBubblewrap(const std::filesystem::path& bubblewrap,
                         const std::vector<std::string>& words)
 {
     const Signals signals;
-    Family family(bubblewrap, words);
+    Family family(bubblewrap, words, signals);
     for (;;) {
         const int signal = signals.next();
         if (signal != SIGCHLD) {
