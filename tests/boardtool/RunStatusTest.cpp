@@ -146,7 +146,9 @@ TEST_F(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
         GTEST_SKIP() << "the emulator lets no process adopt others";
     }
     const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_GE(terminal, 0);
+    if (terminal == -1) {
+        GTEST_SKIP() << "there are no pseudo terminals here";
+    }
     ASSERT_EQ(::grantpt(terminal), 0);
     ASSERT_EQ(::unlockpt(terminal), 0);
     std::array<char, 100> name{};

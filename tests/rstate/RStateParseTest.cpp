@@ -46,6 +46,43 @@ void expectRefused(const std::string& text, const std::string& message, const Ac
     EXPECT_THAT(takeLines(), ElementsAre("bsp.rstate 1 updateVersion(): " + message + "\n"));
 }
 
+/** A version whose text, built from it, is refused or read otherwise. */
+void expectReparsed(RState rstate, bool valid, const Accepted& left)
+{
+    takeLines();
+    EXPECT_EQ(rstate.getText(), left.text);
+    EXPECT_EQ(rstate.updateVersion(), valid) << rstate;
+    expectVersion(rstate, left.major, left.minor, left.verification);
+    takeLines();
+}
+
+TEST(RStateParse, LeavesWhatItDidNotReach)
+{
+    expectReparsed(RState(-1, 3, 5), false, {"R-1D05", -1, 3, 5});
+    expectReparsed(RState(0, 3, 5), false, {"R0D05", 0, 3, 5});
+    expectReparsed(RState(1, -1, 7), false, {"R1@07", 1, -1, 7});
+}
+
+TEST(RStateParse, StoresAMajorThatItRefuses)
+{
+    RState rstate(0, 107860, 0);
+    rstate.normalizeVersion();
+    expectReparsed(rstate, false, {"R0[BBA", 0, 0, 0});
+}
+
+TEST(RStateParse, SetsAMissingVerificationToNone)
+{
+    expectReparsed(RState(1, 0, -5), true, {"R1A", 1, 0, 0});
+}
+
+TEST(RStateParse, TakesATextForAnRState)
+{
+    const std::string text = "R1A01";
+    const RState rstate = text;
+    EXPECT_TRUE(rstate == text);
+    takeLines();
+}
+
 TEST(RStateParse, ReportsEntryAndResult)
 {
     const RState rstate(std::string("R1A01"));

@@ -67,7 +67,7 @@ public:
     static constexpr int32_t MaxRStateLen = 12;           /**< Room to keep for a text. */
 
     /** Holds the text as given, and the version that can be read from it. */
-    explicit RState(const std::string& text);
+    RState(const std::string& text); // NOLINT(google-explicit-constructor): a text is an R-state
 
     /** The same for a C text; null counts as an empty one. */
     explicit RState(const char* text);
