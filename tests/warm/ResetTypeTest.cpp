@@ -96,6 +96,14 @@ TEST(UnknownCause, ForARegisterThatCannotBeRead)
     EXPECT_EQ(getResetType(), ResetType::Cold);
 }
 
+TEST(RegisterPlatform, DecidesWhateverTheProduct)
+{
+    warmboard::use(warmboard::Nxu4Word, warmboard::Kt4851_4Product);
+    fakedevices::control().word = warmboard::Cold;
+    EXPECT_EQ(getResetType(), ResetType::Cold) << "though there is no marker";
+    EXPECT_THAT(systemcalls::take(), IsEmpty()) << "the marker is not looked for";
+}
+
 TEST(Exceptions, OfTheDeviceLibraryPass)
 {
     warmboard::useNxu4(warmboard::Warm);

@@ -7,9 +7,12 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include <pthread.h>
@@ -157,6 +160,39 @@ TEST(Slot, HasAMutexForAllProcesses)
         << "once the store's semaphore has been given back";
 }
 
+TEST(Slot, ThrowsWhenItsMutexCannotBeTaken)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    WarmSlot slot;
+    SlotObject& object = slotObject();
+    // A mutex that tells its owner that it cannot be taken twice.
+    pthread_mutexattr_t attributes;
+    ASSERT_EQ(::pthread_mutexattr_init(&attributes), 0);
+    ASSERT_EQ(::pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK), 0);
+    ASSERT_EQ(::pthread_mutex_init(&object.mutex, &attributes), 0);
+    ::pthread_mutexattr_destroy(&attributes);
+    ASSERT_EQ(::pthread_mutex_lock(&object.mutex), 0);
+    EXPECT_THROW(slot.get(), std::system_error);
+    EXPECT_THROW(slot.set(3), std::system_error);
+    EXPECT_EQ(::pthread_mutex_unlock(&object.mutex), 0);
+    EXPECT_EQ(slot.get(), -1);
+}
+
+TEST(Slot, IsMadeInOrder)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    WarmDatabase::getInstance();
+    std::int32_t whenAnnounced = 99;
+    recordingtrace::setObserver([&](const recordingtrace::Message& message) {
+        if (message.text.find("was created, initializing") != std::string::npos) {
+            whenAnnounced = slotObject().slotId;
+        }
+    });
+    const WarmSlot slot;
+    EXPECT_EQ(whenAnnounced, 0) << "until then others see an object of zeros";
+    EXPECT_EQ(slot.get(), -1);
+}
+
 TEST(Slot, WithoutRoomInTheStore)
 {
     warmboard::useNxu4(warmboard::Warm);
@@ -207,6 +243,39 @@ TEST(Slot, OfTheProcessIsOneObject)
     EXPECT_EQ(slotInstance().get(), 9);
     EXPECT_EQ(Bsp_getSlotId(), 9);
     EXPECT_EQ(slotObject().slotId, 9);
+}
+
+TEST(Slot, IsMadeOnceByManyThreads)
+{
+    warmboard::useNxu4(warmboard::Cold);
+    constexpr int Threads = 8;
+    std::atomic<int> ready{0};
+    std::atomic<int> created{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < Threads; ++i) {
+        threads.emplace_back([&ready, &created] {
+            ++ready;
+            while (ready < Threads) {
+                std::this_thread::yield();
+            }
+            Bsp_setSlotId(7);
+            EXPECT_EQ(Bsp_getSlotId(), 7);
+            void* object = nullptr;
+            std::mutex* sync = nullptr;
+            bool isNew = false;
+            EXPECT_TRUE(WarmDatabase::getInstance().getObjectData("ONE", &object, 4, &sync, isNew));
+            created += isNew ? 1 : 0;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(created, 1);
+    int opened = 0;
+    for (const std::string& call : systemcalls::take()) {
+        opened += call.rfind("sem_open", 0) == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(opened, 1);
 }
 
 TEST(SlotException, AtTheStartDoesNotPass)

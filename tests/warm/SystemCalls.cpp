@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <deque>
 #include <map>
+#include <mutex>
 #include <utility>
 
 #include <fcntl.h>
@@ -22,6 +23,7 @@ namespace
 struct Recorder
 {
     std::map<std::string, std::deque<int>> errors;
+    std::recursive_mutex mutex; /**< Guards the calls and the errors to come. */
     std::vector<std::string> lines;
     bool echoes = false;
     sem_t* semaphore = nullptr;
@@ -39,6 +41,7 @@ Recorder& recorder()
 bool fails(const std::string& function, const std::string& arguments)
 {
     const int before = errno;
+    const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     note(function + arguments);
     errno = before;
     std::deque<int>& errors = recorder().errors[function];
@@ -86,6 +89,7 @@ void queue(const std::string& function, int error)
 
 void note(const std::string& line)
 {
+    const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     recorder().lines.push_back(line);
     if (recorder().echoes) {
         std::fprintf(stderr, "%s\n", line.c_str());
@@ -94,6 +98,7 @@ void note(const std::string& line)
 
 std::vector<std::string> take()
 {
+    const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     return std::exchange(recorder().lines, {});
 }
 

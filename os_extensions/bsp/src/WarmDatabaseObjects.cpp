@@ -112,8 +112,8 @@ bool WarmDatabase::validateObject(const std::string& name, unsigned int objectSi
 bool WarmDatabase::createObject(const std::string& name, void** object, unsigned int objectSize,
                                 bool lock)
 {
-    *object = nullptr;
     if (!validateObject(name, objectSize)) {
+        *object = nullptr;
         return false;
     }
     std::optional<SemLockGuard> guard;
@@ -125,6 +125,7 @@ bool WarmDatabase::createObject(const std::string& name, void** object, unsigned
     if (scan.kind == ScanResult::Full) {
         guard.reset();
         TRACE_MESSAGE(warmDatabaseTrace, trace::Error, "Error: DTCM is out of space.");
+        *object = nullptr;
         return false;
     }
     if (scan.kind == ScanResult::Found) {
@@ -146,14 +147,15 @@ bool WarmDatabase::createObject(const std::string& name, void** object, unsigned
 bool WarmDatabase::retrieveObject(const std::string& name, void** object, unsigned int objectSize,
                                   bool lock)
 {
-    *object = nullptr;
     if (!validateObject(name, objectSize)) {
+        *object = nullptr;
         return false;
     }
     const SemLockGuard guard(lock ? m_dbSemaphore : nullptr);
     const BlockTable table(m_mappedMemory);
     const ScanResult scan = table.scan(name);
     if (scan.kind != ScanResult::Found) {
+        *object = nullptr;
         return false;
     }
     Report::retrieveObject(name, scan.index, objectSize);
@@ -169,13 +171,16 @@ bool WarmDatabase::getObjectData(const std::string& name, void** object, unsigne
     const ScanResult scan = table.scan(name);
     if (scan.kind == ScanResult::Found && fits(name, objectSize)) {
         // Nobody changes the table meanwhile: one scan finds the block and its mutex.
-        if (Report::isWanted()) {
+        const bool isReported = Report::isWanted();
+        if (isReported) {
             Report::retrieveObject(name, scan.index, objectSize);
-            Report::getObjectSyncPointer(name, scan.index);
         }
         *object = table[scan.index].data;
-        *sync = syncSlot(m_blockSync, scan.index);
         created = false;
+        if (isReported) {
+            Report::getObjectSyncPointer(name, scan.index);
+        }
+        *sync = syncSlot(m_blockSync, scan.index);
         return true;
     }
     const bool found = retrieveObject(name, object, objectSize, false);
