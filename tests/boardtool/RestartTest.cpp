@@ -155,13 +155,28 @@ TEST_F(Restart, WantsWholeRegisters)
 
 TEST_F(Restart, FollowsNoLinkOutOfTheBoard)
 {
-    for (const std::string name : {"b/shm", "b/tmp", "b/leds"}) {
+    for (const std::string name : {"b/shm", "b/tmp", "b/leds", "b/leds/red"}) {
         fs::rename(file(name), file("real"));
-        fs::create_directory_symlink("../keep", file(name));
+        fs::create_directory_symlink(file("keep"), file(name));
         expectNothingDone("bsp-board: only a simulated board can be restarted: '" + name +
                           "' is no directory\n");
         fs::remove(file(name));
         fs::rename(file("real"), file(name));
+    }
+}
+
+TEST_F(Restart, FollowsNoLinkBelowTheLeds)
+{
+    write("real", "precious");
+    for (const std::string name : {"b/leds/red/trigger", "b/leds/green/korvanta_state"}) {
+        const std::string before = contents(name);
+        fs::remove(file(name));
+        fs::create_symlink(file("real"), file(name));
+        expectNothingDone("bsp-board: only a simulated board can be restarted: '" + name +
+                          "' is no file\n");
+        EXPECT_EQ(contents("real"), "precious");
+        fs::remove(file(name));
+        write(name, before);
     }
 }
 

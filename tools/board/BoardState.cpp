@@ -76,12 +76,28 @@ void requireDirectoryOrNothing(const fs::path& path)
     }
 }
 
+void requireFileOrNothing(const fs::path& path)
+{
+    std::error_code error;
+    const fs::file_type type = fs::symlink_status(path, error).type();
+    if (type != fs::file_type::regular && type != fs::file_type::not_found) {
+        throw Failure("only a simulated board can be restarted: '" + path.string() +
+                      "' is no file");
+    }
+}
+
 void requireSimulated(const Board& board)
 {
     requirePlainFile(board.dtcm(), Board::DtcmSize);
     requirePlainFile(board.registers(), Board::RegistersSize);
     for (const fs::path& path : {board.sharedMemory(), board.temporaryFiles(), board.leds()}) {
         requireDirectoryOrNothing(path);
+    }
+    for (unsigned int led = 0; led < NoOfLeds; ++led) {
+        const std::string name = Led_objectToName(led);
+        requireDirectoryOrNothing(board.leds() / name);
+        requireFileOrNothing(board.ledTrigger(name));
+        requireFileOrNothing(board.ledState(name));
     }
 }
 

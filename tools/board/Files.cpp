@@ -104,7 +104,7 @@ void create(const fs::path& path, const std::string& contents)
 
 void replace(const fs::path& path, const std::string& contents)
 {
-    write(open(path, O_WRONLY | O_CREAT | O_TRUNC, "write"), path, contents);
+    write(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, "write"), path, contents);
 }
 
 void overwriteStart(const fs::path& path, const std::string& contents)
