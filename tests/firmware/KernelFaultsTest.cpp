@@ -169,7 +169,7 @@ TEST_F(KernelFaults, WithoutASizeThereIsNothingToSearch)
 
 TEST_F(KernelFaults, WithoutAMappingThereIsNothingToSearch)
 {
-    hooks().mmap = [this](void*, std::size_t size, int protection, int flags, int, off_t offset) {
+    hooks().mmap = [](void*, std::size_t size, int protection, int flags, int, off_t offset) {
         EXPECT_EQ(size, kernel.size() + 100000);
         EXPECT_EQ(protection, PROT_READ);
         EXPECT_EQ(flags, MAP_PRIVATE);

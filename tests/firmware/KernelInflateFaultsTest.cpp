@@ -3,7 +3,6 @@
 #include "KernelFaults.h"
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 namespace
@@ -32,8 +31,11 @@ TEST_F(KernelInflateFaults, ZlibIsAskedForGzipByTheInterfaceOfItsVersion)
 {
     int calls = 0;
     hooks().startInflating = [&](z_stream* stream, int windowBits, const char* version, int size) {
-        const z_stream zero{};
-        EXPECT_EQ(std::memcmp(stream, &zero, sizeof zero), 0);
+        EXPECT_EQ(stream->zalloc, nullptr);
+        EXPECT_EQ(stream->zfree, nullptr);
+        EXPECT_EQ(stream->opaque, nullptr);
+        EXPECT_EQ(stream->next_in, nullptr);
+        EXPECT_EQ(stream->avail_in, 0U);
         EXPECT_EQ(windowBits, 47);
         EXPECT_STREQ(version, "1.2.7");
         EXPECT_EQ(size, static_cast<int>(sizeof(z_stream)));

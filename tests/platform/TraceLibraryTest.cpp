@@ -73,7 +73,8 @@ TEST_F(TraceLibrary, PutsAMessageTogetherFromItsPieces)
 TEST_F(TraceLibrary, FormatsAsPrintf)
 {
     GT_TraceRecord record{TraceRecordStartLevel, "record"};
-    GT_printf2(&record, 1, &Header, "%s(%d, %p, %d) called\n", "Led_write", -3, nullptr, 12);
+    GT_printf2(&record, 1, &Header, "%s(%d, %p, %d) called\n", "Led_write", -3,
+               static_cast<void*>(nullptr), 12);
     GT_printf2(&record, 1, &Header, "100%%");
     EXPECT_THAT(texts(), ElementsAre("Led_write(-3, (nil), 12) called", "100%"));
 }

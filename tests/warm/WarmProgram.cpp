@@ -137,7 +137,11 @@ std::string lockSlot()
 }
 
 const std::map<std::string, std::function<std::string(std::istream&)>> commands = {
-    {"open", [](std::istream&) { return outcome(&WarmDatabase::getInstance() != nullptr); }},
+    {"open",
+     [](std::istream&) {
+         WarmDatabase::getInstance();
+         return outcome(true);
+     }},
     {"create",
      [](std::istream& words) {
          const Request wanted = request(words);
