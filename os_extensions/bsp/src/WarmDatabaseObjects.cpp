@@ -5,7 +5,6 @@
 #include "WarmDatabaseTrace.h"
 
 #include <cerrno>
-#include <optional>
 
 namespace os
 {
@@ -116,27 +115,28 @@ bool WarmDatabase::createObject(const std::string& name, void** object, unsigned
         *object = nullptr;
         return false;
     }
-    std::optional<SemLockGuard> guard;
-    if (lock) {
-        guard.emplace(m_dbSemaphore);
-    }
     const BlockTable table(m_mappedMemory);
-    const ScanResult scan = table.scan(name);
+    ScanResult scan{};
+    {
+        const SemLockGuard guard(lock ? m_dbSemaphore : nullptr);
+        scan = table.scan(name);
+        if (scan.kind == ScanResult::Found) {
+            // There is no blank behind the name: programs look for the message as it is.
+            TRACE_MESSAGE(warmDatabaseTrace, trace::Warning,
+                          "Warning: object for block "
+                              << name
+                              << "has been requested to be created, but it "
+                                 "was already present in warm area");
+        }
+        if (scan.kind != ScanResult::Full) {
+            table.reset(scan.index, name);
+        }
+    }
     if (scan.kind == ScanResult::Full) {
-        guard.reset();
         TRACE_MESSAGE(warmDatabaseTrace, trace::Error, "Error: DTCM is out of space.");
         *object = nullptr;
         return false;
     }
-    if (scan.kind == ScanResult::Found) {
-        // There is no blank behind the name: programs look for the message as it is.
-        TRACE_MESSAGE(warmDatabaseTrace, trace::Warning,
-                      "Warning: object for block " << name
-                                                   << "has been requested to be created, but it "
-                                                      "was already present in warm area");
-    }
-    table.reset(scan.index, name);
-    guard.reset();
     TRACE_MESSAGE(warmDatabaseTrace, trace::Information,
                   "Created object " << name << " in block " << scan.index + 1
                                     << ". Size of object is " << objectSize);
