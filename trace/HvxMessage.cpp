@@ -1,5 +1,11 @@
 #include "HvxMessage.h"
 
+#include <cstddef>
+
+// Where the platform's trace library has them.
+static_assert(offsetof(HvxTrace, m_state) == 0, "the state comes first");
+static_assert(offsetof(HvxTraceState, level) == 8, "the level is the third 32-bit word");
+
 namespace trace
 {
 

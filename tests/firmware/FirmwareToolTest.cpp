@@ -114,6 +114,8 @@ TEST_F(FirmwareTool, PrintsWhatABootLoaderDoesNotSayAsNotFound)
     expectOutcome(ubootProductInfo(fileWith("R-state: R1")), "Not found R1\n", "", 0);
     expectOutcome(ubootProductInfo(fileWith("Product number: " + std::string(200, 'p'))),
                   std::string(79, 'p') + " Not found\n", "", 0);
+    expectOutcome(ubootProductInfo(fileWith("R-state: " + std::string(200, 'r'))),
+                  "Not found " + std::string(79, 'r') + "\n", "", 0);
 }
 
 TEST_F(FirmwareTool, AnswersWithStandardInputClosed)

@@ -70,9 +70,11 @@ TEST(HvxMessage, IsWrittenFromTheChannelsLevelDown)
 TEST(HvxMessage, IsNotEvaluatedBelowTheLevel)
 {
     recordingtrace::setLevel("test.hvx", 0);
+    errno = ENOENT;
     writeNumber(1);
     TRACE_ENTER(channel);
     TRACE_ENTER_WITH(channel, evaluated());
+    EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(timesEvaluated, 0);
     EXPECT_THAT(takeLines(), IsEmpty());
 }
@@ -100,6 +102,15 @@ TEST(HvxMessage, KeepsErrnoInTheTextAndForTheCaller)
     EXPECT_THAT(takeLines(),
                 ElementsAre("test.hvx 1 TestBody(): errno is 2, No such file or directory",
                             "test.hvx 6 ENTER TestBody()", "test.hvx 6 ENTER TestBody(2)"));
+}
+
+TEST(HvxMessage, KeepsEveryByteOfAText)
+{
+    const std::string text("a\0b", 3);
+    TRACE_MESSAGE(channel, trace::Error, text);
+    TRACE_ENTER_WITH(channel, text);
+    EXPECT_THAT(takeLines(), ElementsAre("test.hvx 1 TestBody(): " + text,
+                                         "test.hvx 6 ENTER TestBody(" + text + ")"));
 }
 
 TEST(HvxMessage, FormatsBeforeItBegins)
