@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,8 +22,10 @@ using namespace expectedlines;
 using os::bsp::dtcm::WarmDatabase;
 using testing::ElementsAre;
 using testing::ExitedWithCode;
+using testing::Gt;
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using warmboard::area;
 using warmboard::areaWith;
 using warmboard::fillArea;
@@ -106,25 +109,61 @@ TEST(Start, HappensOnce)
     EXPECT_THAT(systemcalls::take(), IsEmpty());
 }
 
+/** The descriptors that are open on the mutexes. */
+std::vector<int> mutexesDescriptors()
+{
+    std::vector<int> descriptors;
+    for (int fd = 0; fd < 64; ++fd) {
+        char target[64] = {};
+        const std::string link = "/proc/self/fd/" + std::to_string(fd);
+        if (::readlink(link.c_str(), target, sizeof(target) - 1) > 0 &&
+            std::string(target) == "/dev/shm/DtcmSync")
+        {
+            descriptors.push_back(fd);
+        }
+    }
+    return descriptors;
+}
+
 TEST(Start, LeavesTheMutexesDescriptorOpen)
 {
     warmboard::useNxu4(warmboard::Warm);
-    const auto links = [] {
-        int count = 0;
-        for (int fd = 0; fd < 64; ++fd) {
-            char target[64] = {};
-            const std::string link = "/proc/self/fd/" + std::to_string(fd);
-            if (::readlink(link.c_str(), target, sizeof(target) - 1) > 0 &&
-                std::string(target) == "/dev/shm/DtcmSync")
-            {
-                ++count;
-            }
-        }
-        return count;
-    };
     WarmDatabase::getInstance();
-    EXPECT_EQ(links(), 1);
+    EXPECT_THAT(mutexesDescriptors(), SizeIs(1));
 }
+
+/** In a program that has closed a standard stream. */
+class StartWithoutStream : public testing::TestWithParam<int>
+{
+protected:
+    /** The descriptors on the mutexes when the store is first used while the stream is closed. */
+    static std::vector<int> start()
+    {
+        constexpr int Unused = 60;
+        const int saved = ::fcntl(GetParam(), F_DUPFD_CLOEXEC, Unused);
+        ::close(GetParam());
+        WarmDatabase::getInstance();
+        std::vector<int> descriptors = mutexesDescriptors();
+        ::dup2(saved, GetParam());
+        ::close(saved);
+        return descriptors;
+    }
+};
+
+TEST_P(StartWithoutStream, DoesNotTakeItsNumberForNewMutexes)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    EXPECT_THAT(start(), ElementsAre(Gt(STDERR_FILENO)));
+}
+
+TEST_P(StartWithoutStream, DoesNotTakeItsNumberForTheMutexesOfOthers)
+{
+    makeSharedNames(1);
+    EXPECT_THAT(start(), ElementsAre(Gt(STDERR_FILENO)));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, StartWithoutStream,
+                         testing::Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
 
 TEST(Start, GivesTheNamesTheModeThatTheUmaskLeaves)
 {

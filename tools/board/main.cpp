@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Failure.h"
+#include "StandardStreams.h"
 
 #include <algorithm>
 #include <iostream>
@@ -82,6 +83,7 @@ int runTool(std::vector<std::string> arguments)
 
 int main(int argc, char* argv[])
 {
+    tools::openMissingStandardStreams();
     try {
         return runTool({argv + std::min(argc, 1), argv + argc});
     } catch (const std::exception& error) {

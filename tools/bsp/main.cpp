@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "StandardStreams.h"
 
 #include <cstring>
 #include <iomanip>
@@ -54,6 +55,7 @@ int listCommands(const char* invocationName)
 
 int main(int argc, char* argv[])
 {
+    tools::openMissingStandardStreams();
     // A caller may start the program without any word, not even its name.
     const char* invocationName = argc > 0 && argv[0] != nullptr ? baseName(argv[0]) : "";
     if (argc < 2) {

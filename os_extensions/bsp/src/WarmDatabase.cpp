@@ -50,6 +50,25 @@ void* mapShared(int fd, std::size_t size)
     return ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_LOCKED, fd, 0);
 }
 
+/**
+ * Opens the block-synchronisation area. The descriptor stays open, so it is none of the standard
+ * streams' numbers: what a program writes to a stream that it has closed must not go into mutexes.
+ */
+int openSyncArea(int flags, mode_t mode)
+{
+    constexpr int FirstOther = STDERR_FILENO + 1;
+    const int fd = ::shm_open(SyncAreaName, flags, mode);
+    if (fd == -1 || fd >= FirstOther) {
+        return fd;
+    }
+    const int other = ::fcntl(fd, F_DUPFD_CLOEXEC, FirstOther);
+    if (other == -1) {
+        return fd;
+    }
+    ::close(fd);
+    return other;
+}
+
 void initSyncSlots(unsigned char* slots)
 {
     pthread_mutexattr_t attributes;
@@ -164,12 +183,12 @@ void WarmDatabase::clearDatabaseIfColdRestart()
 void WarmDatabase::initBlockSynchronization()
 {
     // What mmap answers is not looked at, and the descriptors stay open.
-    int fd = ::shm_open(SyncAreaName, O_RDWR, 0);
+    int fd = openSyncArea(O_RDWR, 0);
     if (fd != -1) {
         m_blockSync = static_cast<unsigned char*>(mapShared(fd, SyncAreaSize));
         return;
     }
-    fd = ::shm_open(SyncAreaName, O_RDWR | O_CREAT, SharedMode);
+    fd = openSyncArea(O_RDWR | O_CREAT, SharedMode);
     if (fd != -1) {
         m_ownsBlockSync = true;
         [[maybe_unused]] const int result = ::ftruncate(fd, SyncAreaSize);
