@@ -4,6 +4,7 @@
  */
 #include "Bsp.h"
 #include "FakeBoard.h"
+#include "Led.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
@@ -20,6 +21,12 @@ struct Answers
     unsigned int channels;
     int radiolinkMode;
     std::string boardIdText;
+    std::string fpgaPath;
+    std::string ledName;
+    unsigned int ledState;
+    std::string resetType;
+    std::string productName;
+    std::string dspName;
 };
 
 const Answers early = [] {
@@ -29,9 +36,19 @@ const Answers early = [] {
     fakeboard::variant(14).code = {{0, 1, 2, 8, 0, 4, 0, 0}};
     fakeboard::store().values = {{os::bsp::key::FpgaVariant, os::bsp::value::fpgaVariant::TwoTdm},
                                  {os::bsp::key::RadiolinkMode, os::bsp::value::radiolinkMode::Rl5}};
-    return Answers{os::bsp::getHwRevision(), Bsp_getProductId(),        Bsp_getTrafFpgaType(),
-                   Bsp_getPlatformType(),    Bsp_getNumberOfChannels(), Bsp_getRadiolinkMode(),
-                   Bsp_getBoardIdText()};
+    return Answers{os::bsp::getHwRevision(),
+                   Bsp_getProductId(),
+                   Bsp_getTrafFpgaType(),
+                   Bsp_getPlatformType(),
+                   Bsp_getNumberOfChannels(),
+                   Bsp_getRadiolinkMode(),
+                   Bsp_getBoardIdText(),
+                   Bsp_getFpgaPath("osprey2"),
+                   Led_objectToName(1),
+                   Led_stateNameToStateObject("fast"),
+                   os::bsp::resetTypeToString(os::bsp::ResetType::Watchdog),
+                   os::bsp::nameOf(os::bsp::productIdNames, os::bsp::ProductId::KT4851_4),
+                   os::bsp::nameOf(os::bsp::dspTypeNames, -1)};
 }();
 
 TEST(EarlyQuery, IsAnsweredLikeAnyOther)
@@ -44,6 +61,16 @@ TEST(EarlyQuery, IsAnsweredLikeAnyOther)
     EXPECT_EQ(early.radiolinkMode, 1);
     EXPECT_EQ(early.boardIdText, "Unknown board revision");
     EXPECT_EQ(fakeboard::eeprom().reads, 1);
+}
+
+TEST(EarlyQuery, FindsTheLayersTables)
+{
+    EXPECT_EQ(early.fpgaPath, "fwq402936_3/R9K/fwq402936_3.bin");
+    EXPECT_EQ(early.ledName, "red");
+    EXPECT_EQ(early.ledState, 5U);
+    EXPECT_EQ(early.resetType, "Watchdog");
+    EXPECT_EQ(early.productName, "KT4851_4");
+    EXPECT_EQ(early.dspName, "EndOfList");
 }
 
 TEST(EarlyQuery, IsAnsweredTheSameLater)

@@ -1,5 +1,6 @@
 #include "Bsp.h"
 
+#include "BspConstantNames.h"
 #include "BspTrace.h"
 #include "HvxMessage.h"
 #include "NxuConfig.h"
@@ -10,6 +11,14 @@ namespace os
 {
 namespace bsp
 {
+
+namespace
+{
+
+constexpr ConstantName radiolinkModes[] = {BSP_RADIOLINK_MODE_ROWS(BSP_NAME_ROW, RadiolinkMode)
+                                               BSP_NAME_ROW(RadiolinkMode, EndOfList)};
+
+} // namespace
 
 RadiolinkMode getRadiolinkMode()
 {
@@ -27,8 +36,9 @@ RadiolinkMode getRadiolinkMode()
 bool setRadiolinkMode(RadiolinkMode mode)
 {
     if (mode != RadiolinkMode::Rl4 && mode != RadiolinkMode::Rl5) {
-        TRACE_MESSAGE(bspTrace, trace::Error,
-                      "Unsupported radio-link mode: " << nameOf(radiolinkModeNames, mode));
+        TRACE_MESSAGE(
+            bspTrace, trace::Error,
+            "Unsupported radio-link mode: " << nameOf(radiolinkModes, static_cast<int>(mode)));
         return false;
     }
     NxuConfig config;

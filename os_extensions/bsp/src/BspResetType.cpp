@@ -1,4 +1,5 @@
 #include "Bsp.h"
+#include "BspConstantNames.h"
 #include "DDevIo.h"
 
 #include <atomic>
@@ -18,6 +19,9 @@ constexpr const char* ControlDevice = "top.sys_ctrl0";
 constexpr std::size_t ResetCauseOffset = 0;
 constexpr int DefaultMutexType = 0;
 constexpr const char* ColdRestartMarker = "/tmp/restart_cold";
+
+constexpr ConstantName resetTypes[] = {BSP_RESET_TYPE_ROWS(BSP_NAME_ROW, ResetType)
+                                           BSP_NAME_ROW(ResetType, EndOfList)};
 
 /** Unknown stands for "not worked out yet" as well. */
 std::atomic<ResetType> cachedResetType{ResetType::Unknown};
@@ -58,7 +62,7 @@ ResetType getResetType()
 
 std::string resetTypeToString(const ResetType& type)
 {
-    return nameOf(resetTypeNames, type);
+    return nameOf(resetTypes, static_cast<int>(type));
 }
 
 } // namespace bsp

@@ -1,6 +1,6 @@
 #include "RState.h"
 
-#include "BspNames.h"
+#include "BspConstantNames.h"
 #include "GtMessage.h"
 #include "RStateLetters.h"
 
@@ -28,10 +28,8 @@ GT_TraceRecord RState::m_trace{TraceRecordStartLevel, "bsp.rstate"};
 namespace
 {
 
-#define INCREMENT_TYPE_ROW(ENUM, NAME) {static_cast<int>(ENUM::NAME), #NAME},
-const os::bsp::NameEntry incrementTypeNames[] = {RSTATE_INCREMENT_TYPE_ROWS(
-    INCREMENT_TYPE_ROW, IncrementType) INCREMENT_TYPE_ROW(IncrementType, EndOfList)};
-#undef INCREMENT_TYPE_ROW
+constexpr os::bsp::ConstantName incrementTypeNames[] = {
+    RSTATE_INCREMENT_TYPE_ROWS(BSP_NAME_ROW, IncrementType) BSP_NAME_ROW(IncrementType, EndOfList)};
 
 /** Verifications from here on are carried into the minor, and are refused in a text. */
 constexpr int32_t EndOfVerifications = 1000;
@@ -139,7 +137,7 @@ void RState::normalizeVersion()
 void RState::increment(IncrementType type)
 {
     TRACE_PRINTF(m_trace, trace::Entry, "ENTER %s(%s)\n", __func__,
-                 os::bsp::nameOf(incrementTypeNames, type).c_str());
+                 os::bsp::nameOf(incrementTypeNames, static_cast<int>(type)));
     const bool verified = m_verification >= 1;
     switch (type) {
     case IncrementType::Auto: {
@@ -253,9 +251,9 @@ int RState_increment2(char* rstate, unsigned int size, const char* typeName)
     if (typeName == nullptr) {
         return 0;
     }
-    for (const os::bsp::NameEntry& entry : incrementTypeNames) {
+    for (const os::bsp::ConstantName& entry : incrementTypeNames) {
         const auto type = static_cast<IncrementType>(entry.value);
-        if (type != IncrementType::EndOfList && entry.text == typeName) {
+        if (type != IncrementType::EndOfList && std::strcmp(entry.text, typeName) == 0) {
             return RState_increment(rstate, size, type);
         }
     }
