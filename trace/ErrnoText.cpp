@@ -1,16 +1,12 @@
 #include "ErrnoText.h"
 
-#include <array>
 #include <cstring>
 
 namespace trace
 {
 
-std::string errnoText(int error)
-{
-    std::array<char, 128> buffer{};
-    // The GNU strerror_r need not use the buffer; what it returns is the text.
-    return strerror_r(error, buffer.data(), buffer.size());
-}
+// The GNU strerror_r need not use the room; what it returns is the text.
+ErrnoText::ErrnoText(int error) noexcept : m_text(strerror_r(error, m_room.data(), m_room.size()))
+{}
 
 } // namespace trace

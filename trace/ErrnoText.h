@@ -1,13 +1,34 @@
 #ifndef TRACE_ERRNOTEXT_H
 #define TRACE_ERRNOTEXT_H
 
-#include <string>
+#include <array>
+#include <string_view>
 
 namespace trace
 {
 
+/** The system's text for an errno value; needs no memory. */
+class ErrnoText
+{
+public:
+    explicit ErrnoText(int error) noexcept;
+    ErrnoText(const ErrnoText&) = delete;
+    ErrnoText& operator=(const ErrnoText&) = delete;
+
+    const char* c_str() const noexcept { return m_text; }
+    // NOLINTNEXTLINE(google-explicit-constructor): it is a text
+    operator std::string_view() const noexcept { return m_text; }
+
+private:
+    std::array<char, 128> m_room;
+    const char* m_text; /**< In the room, or the system's own. */
+};
+
 /** The system's text for an errno value; unlike strerror it may be called from any thread. */
-std::string errnoText(int error);
+inline ErrnoText errnoText(int error) noexcept
+{
+    return ErrnoText(error);
+}
 
 } // namespace trace
 

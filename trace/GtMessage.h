@@ -6,7 +6,8 @@
  *
  *     TRACE_PRINTF(ledTrace, trace::Entry, "%s(%d) called\n", __func__, led);
  *
- * errno is the caller's while the values are evaluated, and again after the message.
+ * errno is the caller's while the values are evaluated, and again after the message. GT_printf2 is
+ * a C function: nothing is thrown.
  */
 #ifndef TRACE_GTMESSAGE_H
 #define TRACE_GTMESSAGE_H

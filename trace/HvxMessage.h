@@ -8,18 +8,22 @@
  *     TRACE_ENTER(bspTrace);
  *     TRACE_ENTER_WITH(bspTrace, "fd=" << fd);
  *
- * The text is a chain of stream insertions. errno is the caller's while the text is formatted, and
- * again after the message.
+ * The text is a chain of insertions. errno is the caller's while the text is formatted, and again
+ * after the message.
+ *
+ * Tracing itself fails nobody: a message for which there is no memory, here or in the trace
+ * library, is dropped. The values in a text are the caller's expressions: what they do, they do,
+ * and what they throw goes to the caller, as does what else the trace library might throw.
  */
 #ifndef TRACE_HVXMESSAGE_H
 #define TRACE_HVXMESSAGE_H
 
 #include "ErrnoKeeper.h"
 #include "HvxTrace.h"
+#include "MessageText.h"
 #include "TraceLevel.h"
 
 #include <cstring>
-#include <sstream>
 #include <string>
 
 namespace trace
@@ -48,10 +52,12 @@ inline void logMsgData(HvxTrace& channel, const std::string& text)
 class HvxMessage
 {
 public:
-    HvxMessage(HvxTrace& channel, HvxTraceLevel level, const HvxTraceHeader& header);
+    HvxMessage(HvxTrace& channel, HvxTraceLevel level, const HvxTraceHeader& header) noexcept
+        : m_channel(channel), m_level(level), m_header(header)
+    {}
 
     /** Takes the text of the message. */
-    std::ostream& text() { return m_text; }
+    MessageText& text() noexcept { return m_text; }
 
     /** Writes "function(): text". */
     void write();
@@ -63,7 +69,7 @@ private:
     HvxTrace& m_channel;
     const HvxTraceLevel m_level;
     const HvxTraceHeader& m_header;
-    std::ostringstream m_text;
+    MessageText m_text;
 };
 
 /** Writes "ENTER function()". */

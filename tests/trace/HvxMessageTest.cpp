@@ -113,6 +113,16 @@ TEST(HvxMessage, KeepsEveryByteOfAText)
                                          "test.hvx 6 ENTER TestBody(" + text + ")"));
 }
 
+TEST(HvxMessage, CanBeWrittenPieceByPiece)
+{
+    static constexpr HvxTraceHeader header{"file", 1, "function"};
+    channel.beginLogMsg(trace::Error, header);
+    trace::logMsgData(channel, "text, ");
+    trace::logMsgData(channel, std::string("a\0b", 3));
+    channel.endLogMsg();
+    EXPECT_THAT(takeLines(), ElementsAre("test.hvx 1 text, " + std::string("a\0b", 3)));
+}
+
 TEST(HvxMessage, FormatsBeforeItBegins)
 {
     // The recorder fails when a message begins inside another.

@@ -1,6 +1,7 @@
 #include "ObjectsFixture.h"
 
 #include <algorithm>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,22 @@ TEST_F(Validation, RefusesALongName)
     const std::string name(16, 'n');
     EXPECT_FALSE(database.validateObject(name, 5000)) << "the size is not looked at";
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLong(name)));
+}
+
+/** Groups digits, as a program may want its own numbers to be. */
+class Thousands : public std::numpunct<char>
+{
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST_F(Validation, ReportsNumbersTheSameInAllLocales)
+{
+    WarmDatabase& database = open();
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Thousands));
+    EXPECT_FALSE(database.validateObject("A", 1009));
+    std::locale::global(before);
+    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLarge(1009)));
 }
 
 TEST_F(Validation, RefusesALargeObject)

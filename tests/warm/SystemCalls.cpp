@@ -26,6 +26,7 @@ struct Recorder
     std::recursive_mutex mutex; /**< Guards the calls and the errors to come. */
     std::vector<std::string> lines;
     bool echoes = false;
+    std::function<void(int error)> failureObserver;
     sem_t* semaphore = nullptr;
     char* mapping = nullptr;
 };
@@ -50,6 +51,9 @@ bool fails(const std::string& function, const std::string& arguments)
     }
     const int error = std::exchange(errors.front(), 0);
     errors.pop_front();
+    if (error != 0 && recorder().failureObserver) {
+        recorder().failureObserver(error);
+    }
     if (error != 0) {
         errno = error;
     }
@@ -85,6 +89,11 @@ std::string mapFlags(int protection, int flags)
 void queue(const std::string& function, int error)
 {
     recorder().errors[function].push_back(error);
+}
+
+void setFailureObserver(std::function<void(int error)> observer)
+{
+    recorder().failureObserver = std::move(observer);
 }
 
 void note(const std::string& line)

@@ -7,6 +7,7 @@
 #ifndef TESTS_WARM_SYSTEMCALLS_H
 #define TESTS_WARM_SYSTEMCALLS_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,9 @@ namespace systemcalls
 
 /** Makes the next call of a function that has no error queued fail with that errno; 0 succeeds. */
 void queue(const std::string& function, int error);
+
+/** Calls the function with the errno of each call that is made to fail. */
+void setFailureObserver(std::function<void(int error)> observer);
 
 /** Writes a line among the calls. */
 void note(const std::string& line);

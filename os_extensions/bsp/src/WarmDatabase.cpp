@@ -223,7 +223,7 @@ void WarmDatabase::logNamesOfUsedBlocks() const
     for (unsigned int i = 0; i < table.size(); ++i) {
         if (!table.isFree(i)) {
             TRACE_MESSAGE(warmDatabaseTrace, trace::Information,
-                          "Block[" << i + 1 << "] Name: " << table.nameOf(i));
+                          "Block[" << i + 1 << "] Name: " << table.nameOf(i).text());
         }
     }
 }

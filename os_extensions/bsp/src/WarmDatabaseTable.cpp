@@ -11,14 +11,14 @@ namespace dtcm
 
 // Names are listed without the semaphore while others write them: byte by byte, each one whole.
 
-std::string BlockTable::nameOf(unsigned int index) const
+BlockName BlockTable::nameOf(unsigned int index) const
 {
-    char text[NameSize];
+    BlockName name;
     for (std::size_t i = 0; i < NameSize; ++i) {
-        text[i] = static_cast<char>(__atomic_load_n(&m_blocks[index].name[i], __ATOMIC_RELAXED));
+        name.bytes[i] =
+            static_cast<char>(__atomic_load_n(&m_blocks[index].name[i], __ATOMIC_RELAXED));
     }
-    // In an area that was never cleared a name need not end.
-    return {text, ::strnlen(text, NameSize)};
+    return name;
 }
 
 void BlockTable::reset(unsigned int index, const std::string& name) const

@@ -3,9 +3,11 @@
 
 #include "WarmDatabaseLayout.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace os
 {
@@ -26,6 +28,15 @@ struct ScanResult
 
     Kind kind;
     unsigned int index; /**< Of the block. */
+};
+
+/** The name that a block had when it was read. */
+struct BlockName
+{
+    std::array<char, NameSize> bytes;
+
+    /** In an area that was never cleared a name need not end. */
+    std::string_view text() const { return {bytes.data(), ::strnlen(bytes.data(), NameSize)}; }
 };
 
 /** The table of blocks. An area that could not be made has none. */
@@ -64,7 +75,7 @@ public:
     }
 
     /** Name of a block; empty for a free one. The caller need not hold the semaphore. */
-    std::string nameOf(unsigned int index) const;
+    BlockName nameOf(unsigned int index) const;
 
     /** Gives a block a name, cut at its first NUL and at 15 characters, and clears its data. */
     void reset(unsigned int index, const std::string& name) const;

@@ -1,0 +1,98 @@
+/**
+ * @file
+ * @brief The first use of the store where there is no memory for what is to be reported.
+ */
+#include "CountedAllocations.h"
+#include "ExpectedLines.h"
+#include "RecordingTrace.h"
+#include "SystemCalls.h"
+#include "WarmBoard.h"
+#include "WarmDatabase.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <mutex>
+
+namespace
+{
+
+using namespace expectedlines;
+using os::bsp::dtcm::WarmDatabase;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::KilledBySignal;
+using testsupport::failAllocations;
+
+/** From the first call that fails on there is no memory. */
+class WithoutMemoryDeath : public testing::Test
+{
+protected:
+    WithoutMemoryDeath()
+    {
+        systemcalls::setFailureObserver([](int /*error*/) { failAllocations(LONG_MAX); });
+        systemcalls::queue("calloc", ENOMEM);
+    }
+    ~WithoutMemoryDeath() override { systemcalls::setFailureObserver(nullptr); }
+};
+
+TEST_F(WithoutMemoryDeath, TheAssertionComesAfterAMissingDevice)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
+    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
+                HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' failed."));
+}
+
+TEST_F(WithoutMemoryDeath, TheAssertionComesAfterAFailedMapping)
+{
+    fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
+    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
+                HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' failed."));
+}
+
+/**
+ * After a call has failed, the next allocation does: the first of its report. Nothing is reported
+ * of a name that does not exist yet.
+ */
+class WithoutMemoryForReports : public testing::Test
+{
+protected:
+    WithoutMemoryForReports()
+    {
+        warmboard::useNxu4(warmboard::Warm);
+        systemcalls::setFailureObserver(
+            [](int error) { failAllocations(error == ENOENT ? 0 : 1); });
+    }
+    ~WithoutMemoryForReports() override { systemcalls::setFailureObserver(nullptr); }
+};
+
+TEST_F(WithoutMemoryForReports, TheMutexesAreMadeAfterAMissingSemaphore)
+{
+    systemcalls::queue("sem_open", ENOSPC);
+    WarmDatabase& database = WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty()) << "the recorder had no memory";
+    EXPECT_THAT(systemcalls::take(), Contains("pthread_mutex_init at 0 shared"));
+    void* object = nullptr;
+    std::mutex* sync = nullptr;
+    bool created = false;
+    ASSERT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
+    ASSERT_NE(sync, nullptr);
+    EXPECT_TRUE(sync->try_lock());
+    sync->unlock();
+    recordingtrace::takeLines();
+}
+
+TEST_F(WithoutMemoryForReports, PrivateMutexesAreMadeAfterMissingOnes)
+{
+    systemcalls::queue("shm_open", ENOENT);
+    systemcalls::queue("shm_open", EACCES);
+    WarmDatabase::getInstance();
+    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(warm, freeTable));
+    EXPECT_THAT(systemcalls::take(), Contains("calloc " + syncSize));
+}
+
+} // namespace

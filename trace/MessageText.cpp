@@ -1,0 +1,69 @@
+#include "MessageText.h"
+
+#include "ErrnoKeeper.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace trace
+{
+
+MessageText& MessageText::operator<<(std::string_view text) noexcept
+{
+    if (makeRoom(text.size())) {
+        std::copy(text.begin(), text.end(), m_text + m_size);
+        m_size += text.size();
+    }
+    return *this;
+}
+
+MessageText& MessageText::operator<<(const char* text) noexcept
+{
+    return text == nullptr ? *this : *this << std::string_view(text);
+}
+
+MessageText& MessageText::operator<<(char character) noexcept
+{
+    return *this << std::string_view(&character, 1);
+}
+
+template <typename Number> MessageText& MessageText::addNumber(Number number) noexcept
+{
+    std::array<char, std::numeric_limits<Number>::digits10 + 2> digits;
+    const char* const end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+    return *this << std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data()));
+}
+
+template MessageText& MessageText::addNumber(std::intmax_t number) noexcept;
+template MessageText& MessageText::addNumber(std::uintmax_t number) noexcept;
+
+/** Whether that many bytes more have room. */
+bool MessageText::makeRoom(std::size_t size) noexcept
+{
+    if (m_isLost || size <= m_capacity - m_size) {
+        return !m_isLost;
+    }
+    const ErrnoKeeper errnoKeeper;
+    const std::size_t capacity = 2 * std::max(m_capacity, size);
+    std::unique_ptr<char[]> room(new (std::nothrow) char[capacity]);
+    if (!room) {
+        lose();
+        return false;
+    }
+    std::memcpy(room.get(), m_text, m_size);
+    m_largerRoom = std::move(room);
+    m_text = m_largerRoom.get();
+    m_capacity = capacity;
+    return true;
+}
+
+void MessageText::lose() noexcept
+{
+    m_isLost = true;
+    m_size = 0;
+}
+
+} // namespace trace
