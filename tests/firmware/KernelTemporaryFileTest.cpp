@@ -1,15 +1,14 @@
-// The temporary file: who uses it, who waits for it, what is left of it.
+// The temporary file: how it is made, who uses it, what is left of it.
 
 #include "KernelFaults.h"
 
-#include <chrono>
-#include <csignal>
 #include <cstring>
-#include <future>
+#include <stdexcept>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -20,8 +19,6 @@ using firmware::Course;
 using firmware::failed;
 using firmware::found;
 using firmware::headerAt1000;
-using firmware::kernelImage;
-using firmware::noise;
 using firmware::TemporaryImage;
 using firmware::temporaryImageExists;
 using recordingtrace::takeLines;
@@ -37,36 +34,128 @@ class KernelTemporaryFile : public firmware::KernelFaults
 const std::string noTemporaryFile =
     "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
 
-TEST_F(KernelTemporaryFile, TheTemporaryFileIsNotOpenedThroughALink)
+constexpr int AnyOpen = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+constexpr int Making = AnyOpen | O_RDWR | O_CREAT | O_EXCL;
+
+TEST_F(KernelTemporaryFile, IsMadeByTheCallThatUsesIt)
 {
-    int flagsOfTemporaryFile = 0;
+    std::vector<int> flagsOfAll;
     hooks().open = [&](const char* path, int flags, mode_t mode) {
         if (std::strcmp(path, TemporaryImage) == 0) {
-            flagsOfTemporaryFile = flags;
-            return fail(EMFILE);
+            flagsOfAll.push_back(flags);
+            EXPECT_EQ(mode, (flags & O_CREAT) != 0 ? 0644U : 0U);
+        } else {
+            EXPECT_EQ(flags, O_RDONLY | O_CLOEXEC);
         }
-        EXPECT_EQ(flags & O_ACCMODE, O_RDONLY);
         return real().open(path, flags, mode);
     };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_TRUE((flagsOfTemporaryFile & O_NOFOLLOW) != 0);
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(flagsOfAll, ElementsAre(Making));
+
+    flagsOfAll.clear();
+    writeFile(TemporaryImage, "left behind");
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(flagsOfAll, ElementsAre(Making, AnyOpen | O_RDWR, Making));
+
+    flagsOfAll.clear();
+    writeFile(TemporaryImage, "another user's");
+    hooks().geteuid = [] { return ::getuid() + 1; };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(flagsOfAll, ElementsAre(Making, AnyOpen | O_RDONLY, Making));
 }
 
-TEST_F(KernelTemporaryFile, ATemporaryFileThatCannotBeLockedIsNotUsed)
+TEST_F(KernelTemporaryFile, CanBeWrittenByItsUserAlone)
 {
-    hooks().flock = [](int, int) { return fail(ENOLCK); };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-    // It is not this call's to remove.
-    EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+    mode_t mode = 0;
+    hooks().fdopen = [&](int fd, const char* text) {
+        struct stat file = {};
+        EXPECT_EQ(real().fstat(fd, &file), 0);
+        mode = file.st_mode;
+        return real().fdopen(fd, text);
+    };
+    const mode_t before = ::umask(0);
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(mode, S_IFREG | 0644U);
+    // One that somebody else might have open for writing.
+    writeFile(TemporaryImage, "");
+    EXPECT_EQ(::chmod(TemporaryImage, 0666), 0);
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(mode, S_IFREG | 0644U);
+    ::umask(077);
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(mode, S_IFREG | 0600U);
+    ::umask(before);
 }
 
-TEST_F(KernelTemporaryFile, WaitingForTheTemporaryFileMayBeInterrupted)
+TEST_F(KernelTemporaryFile, ARefusedOpenEndsTheCall)
+{
+    for (const bool exists : {false, true}) {
+        for (const int error : {EACCES, EPERM, EROFS, ENOSPC, EDQUOT, EMFILE, ENFILE, ENOMEM, ELOOP,
+                                ENXIO, EINVAL, EIO})
+        {
+            if (exists) {
+                writeFile(TemporaryImage, "somebody's");
+            }
+            int refusals = 0;
+            hooks().open = [&](const char* path, int flags, mode_t mode) {
+                const bool isRefused =
+                    std::strcmp(path, TemporaryImage) == 0 && ((flags & O_CREAT) == 0) == exists;
+                if (isRefused && ++refusals > 1) {
+                    throw std::runtime_error("tried once more");
+                }
+                return isRefused ? fail(error) : real().open(path, flags, mode);
+            };
+            EXPECT_EQ(askAgain(), failed()) << std::strerror(error);
+            EXPECT_EQ(refusals, 1);
+            EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+            if (exists) {
+                EXPECT_EQ(testsupport::readFile(TemporaryImage), "somebody's");
+                std::filesystem::remove(TemporaryImage);
+            }
+        }
+    }
+}
+
+TEST_F(KernelTemporaryFile, OneThatCannotBeLockedIsNotUsedAndLeavesNothing)
+{
+    int locks = 0;
+    hooks().flock = [&](int, int operation) {
+        locks += operation == LOCK_UN ? 0 : 1;
+        return fail(ENOLCK);
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(locks, 1);
+    EXPECT_FALSE(temporaryImageExists());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+
+    // What is there already is not this call's to remove.
+    writeFile(TemporaryImage, "somebody's");
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(locks, 2);
+    EXPECT_EQ(testsupport::readFile(TemporaryImage), "somebody's");
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    std::filesystem::remove(TemporaryImage);
+}
+
+TEST_F(KernelTemporaryFile, OneThatCannotBeLookedAtIsNotUsedAndLeavesNothing)
+{
+    hooks().fstat = [](int, struct stat*) { return fail(EIO); };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_FALSE(temporaryImageExists());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+
+    writeFile(TemporaryImage, "somebody's");
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(testsupport::readFile(TemporaryImage), "somebody's");
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    std::filesystem::remove(TemporaryImage);
+}
+
+TEST_F(KernelTemporaryFile, LockingItMayBeInterrupted)
 {
     int interruptions = 0;
     hooks().flock = [&](int fd, int operation) {
-        if (operation == LOCK_EX && ++interruptions < 3) {
+        if (operation == (LOCK_EX | LOCK_NB) && ++interruptions < 3) {
             return fail(EINTR);
         }
         return real().flock(fd, operation);
@@ -75,12 +164,11 @@ TEST_F(KernelTemporaryFile, WaitingForTheTemporaryFileMayBeInterrupted)
     EXPECT_EQ(interruptions, 3);
 }
 
-TEST_F(KernelTemporaryFile, ATemporaryFileRemovedWhileWaitingIsMadeAnew)
+TEST_F(KernelTemporaryFile, OneRemovedBeforeItIsLockedIsMadeAnew)
 {
     int locks = 0;
     hooks().flock = [&](int fd, int operation) {
-        // What the call before did: it removed the file when it had finished.
-        if (operation == LOCK_EX && ++locks <= 2) {
+        if (operation != LOCK_UN && ++locks <= 2) {
             std::filesystem::remove(TemporaryImage);
         }
         return real().flock(fd, operation);
@@ -89,21 +177,42 @@ TEST_F(KernelTemporaryFile, ATemporaryFileRemovedWhileWaitingIsMadeAnew)
     EXPECT_EQ(locks, 3);
 }
 
-TEST_F(KernelTemporaryFile, ATemporaryFileReplacedWhileWaitingIsLeftToItsOwner)
+TEST_F(KernelTemporaryFile, OneReplacedBeforeItIsLockedIsLeftToItsOwner)
 {
-    int locks = 0;
+    int next = -1;
     hooks().flock = [&](int fd, int operation) {
-        if (operation == LOCK_EX && ++locks == 1) {
+        if (next == -1) {
             std::filesystem::remove(TemporaryImage);
-            writeFile(TemporaryImage, "the next caller's");
+            next = real().open(TemporaryImage, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+            EXPECT_EQ(::write(next, "his", 3), 3);
+            EXPECT_EQ(real().flock(next, LOCK_EX), 0);
+        }
+        return real().flock(fd, operation);
+    };
+    hooks().nanosleep = [&](const timespec*, timespec*) {
+        EXPECT_EQ(testsupport::readFile(TemporaryImage), "his");
+        std::filesystem::remove(TemporaryImage);
+        return ::close(next);
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_NE(next, -1);
+}
+
+TEST_F(KernelTemporaryFile, OneWhoseLockSomebodyElseTookFirstIsMadeAnew)
+{
+    int thief = -1;
+    hooks().flock = [&](int fd, int operation) {
+        if (thief == -1) {
+            thief = real().open(TemporaryImage, O_RDONLY | O_CLOEXEC, 0);
+            EXPECT_EQ(real().flock(thief, LOCK_EX), 0);
         }
         return real().flock(fd, operation);
     };
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_EQ(locks, 2);
+    EXPECT_EQ(::close(thief), 0);
 }
 
-TEST_F(KernelTemporaryFile, TheTemporaryFileIsRemovedBeforeTheLockIsGivenUp)
+TEST_F(KernelTemporaryFile, IsRemovedBeforeTheLockIsGivenUp)
 {
     bool unlocked = false;
     hooks().flock = [&](int fd, int operation) {
@@ -117,7 +226,7 @@ TEST_F(KernelTemporaryFile, TheTemporaryFileIsRemovedBeforeTheLockIsGivenUp)
     EXPECT_TRUE(unlocked);
 }
 
-TEST_F(KernelTemporaryFile, ATemporaryFileWithoutAStreamIsRemoved)
+TEST_F(KernelTemporaryFile, OneWithoutAStreamIsRemoved)
 {
     hooks().fdopen = [](int, const char* mode) -> std::FILE* {
         EXPECT_STREQ(mode, "w+");
@@ -127,69 +236,6 @@ TEST_F(KernelTemporaryFile, ATemporaryFileWithoutAStreamIsRemoved)
     };
     EXPECT_EQ(askAgain(), failed());
     EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-}
-
-/** A process that holds the temporary file until it is killed. */
-class StuckCaller
-{
-public:
-    explicit StuckCaller(const std::string& image)
-    {
-        int ready[2];
-        EXPECT_EQ(::pipe(ready), 0);
-        m_process = ::fork();
-        if (m_process == 0) {
-            // The file is made, locked and partly written when the second chunk is read.
-            int reads = 0;
-            hooks().read = [&](int fd, void* buffer, std::size_t size) {
-                if (++reads == 3) {
-                    EXPECT_EQ(::write(ready[1], "r", 1), 1);
-                    ::pause();
-                }
-                return real().read(fd, buffer, size);
-            };
-            askFile(image);
-            ::_exit(1);
-        }
-        char byte = 0;
-        EXPECT_EQ(real().read(ready[0], &byte, 1), 1);
-        ::close(ready[0]);
-        ::close(ready[1]);
-    }
-    ~StuckCaller() { kill(); }
-
-    void kill()
-    {
-        if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
-            ::waitpid(m_process, nullptr, 0);
-            m_process = 0;
-        }
-    }
-
-private:
-    pid_t m_process = 0;
-};
-
-TEST_F(KernelTemporaryFile, AKilledCallerLeavesNothingThatHarms)
-{
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
-    {
-        const StuckCaller caller(m_directory.file("other"));
-    }
-    EXPECT_TRUE(temporaryImageExists());
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_FALSE(temporaryImageExists());
-}
-
-TEST_F(KernelTemporaryFile, AWaitingCallerGoesOnWhenTheOtherIsKilled)
-{
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
-    StuckCaller caller(m_directory.file("other"));
-    auto answer = std::async(std::launch::async, [this] { return askAgain(); });
-    EXPECT_EQ(answer.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
-    caller.kill();
-    EXPECT_EQ(answer.get(), found("R1A01"));
 }
 
 } // namespace

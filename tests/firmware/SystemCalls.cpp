@@ -15,6 +15,10 @@ extern "C"
     off_t __real_lseek64(int, off_t, int);
     int __real_fstat64(int, struct stat*);
     int __real_flock(int, int);
+    int __real_unlink(const char*);
+    uid_t __real_geteuid();
+    int __real_clock_gettime(clockid_t, timespec*);
+    int __real_nanosleep(const timespec*, timespec*);
     void* __real_mmap64(void*, std::size_t, int, int, int, off_t);
     std::FILE* __real_fdopen(int, const char*);
     std::size_t __real_fwrite(const void*, std::size_t, std::size_t, std::FILE*);
@@ -44,6 +48,10 @@ Hooks& real()
         __real_lseek64,
         __real_fstat64,
         __real_flock,
+        __real_unlink,
+        __real_geteuid,
+        __real_clock_gettime,
+        __real_nanosleep,
         __real_mmap64,
         __real_fdopen,
         __real_fwrite,
@@ -100,6 +108,22 @@ extern "C"
     int __wrap_flock(int fd, int operation)
     {
         return call(&Hooks::flock, fd, operation);
+    }
+    int __wrap_unlink(const char* path)
+    {
+        return call(&Hooks::unlink, path);
+    }
+    uid_t __wrap_geteuid()
+    {
+        return call(&Hooks::geteuid);
+    }
+    int __wrap_clock_gettime(clockid_t clock, timespec* time)
+    {
+        return call(&Hooks::clockGettime, clock, time);
+    }
+    int __wrap_nanosleep(const timespec* duration, timespec* rest)
+    {
+        return call(&Hooks::nanosleep, duration, rest);
     }
     void* __wrap_mmap64(void* address, std::size_t size, int protection, int flags, int fd,
                         off_t offset)

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 
 #include <sys/stat.h>
@@ -27,6 +28,10 @@ struct Hooks
     std::function<off_t(int, off_t, int)> lseek;
     std::function<int(int, struct stat*)> fstat;
     std::function<int(int, int)> flock;
+    std::function<int(const char*)> unlink;
+    std::function<uid_t()> geteuid;
+    std::function<int(clockid_t, timespec*)> clockGettime;
+    std::function<int(const timespec*, timespec*)> nanosleep;
     std::function<void*(void*, std::size_t, int, int, int, off_t)> mmap;
     std::function<std::FILE*(int, const char*)> fdopen;
     std::function<std::size_t(const void*, std::size_t, std::size_t, std::FILE*)> fwrite;

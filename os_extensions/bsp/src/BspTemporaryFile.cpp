@@ -1,10 +1,15 @@
 #include "BspTemporaryFile.h"
 
+#include "BspFileDescriptor.h"
+
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace os
 {
@@ -14,94 +19,193 @@ namespace bsp
 namespace
 {
 
-/** Opens what is at that name, or makes a file there. */
-FileDescriptor openOrCreate(const char* path)
+using std::chrono::milliseconds;
+
+// O_NONBLOCK and O_NOCTTY: what is there may change while one looks at it.
+constexpr int CommonFlags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+/** How long the one who uses the file is waited for. */
+class Patience
 {
-    // O_NONBLOCK and O_NOCTTY: what is there may turn out to be a device.
-    constexpr int Flags = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    constexpr mode_t Mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-    for (;;) {
-        // First without O_CREAT: the kernel may refuse that for another user's file in a sticky
-        // directory, even to root.
-        FileDescriptor existing(::open(path, Flags));
-        if (existing.isOpen() || errno != ENOENT) {
-            return existing;
-        }
-        FileDescriptor created(::open(path, Flags | O_CREAT | O_EXCL, Mode));
-        if (created.isOpen() || errno != EEXIST) {
-            return created;
-        }
+public:
+    bool isOver() const { return now() - m_begin >= std::chrono::seconds(10); }
+
+private:
+    static std::chrono::nanoseconds now()
+    {
+        struct timespec time = {};
+        ::clock_gettime(CLOCK_MONOTONIC, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
     }
-}
 
-bool isRegularFile(int fd)
-{
-    struct stat file = {};
-    return ::fstat(fd, &file) == 0 && S_ISREG(file.st_mode);
-}
+    const std::chrono::nanoseconds m_begin = now();
+};
 
-bool isStillNamed(int fd, const char* path)
+void sleepFor(milliseconds duration)
 {
-    struct stat file = {};
-    struct stat named = {};
-    return ::fstat(fd, &file) == 0 && ::lstat(path, &named) == 0 && file.st_dev == named.st_dev &&
-           file.st_ino == named.st_ino;
+    const struct timespec time = {0, static_cast<long>(std::chrono::nanoseconds(duration).count())};
+    ::nanosleep(&time, nullptr);
 }
 
 bool lock(int fd)
 {
     int result = 0;
     do {
-        result = ::flock(fd, LOCK_EX);
+        result = ::flock(fd, LOCK_EX | LOCK_NB);
     } while (result == -1 && errno == EINTR);
     return result == 0;
 }
 
-/** The file of that name, locked; -1 when that cannot be had. */
-FileDescriptor openLocked(const char* path)
+bool isSame(const struct stat& one, const struct stat& other)
 {
-    for (;;) {
-        FileDescriptor file = openOrCreate(path);
-        if (!file.isOpen() || !isRegularFile(file.get()) || !lock(file.get())) {
-            return FileDescriptor(-1);
-        }
-        // The one that held the lock removes its file before it unlocks.
-        if (isStillNamed(file.get(), path)) {
-            return file;
-        }
-    }
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-/** A stream on a duplicate of the descriptor, so that closing it does not unlock the file. */
-std::FILE* openEmptyStream(int fd)
+bool isNamed(const struct stat& file, const char* path)
 {
-    if (fd == -1 || ::ftruncate(fd, 0) != 0) {
+    struct stat named = {};
+    return ::lstat(path, &named) == 0 && isSame(named, file);
+}
+
+/** Takes the name away, unless the file has lost it already. */
+bool removeName(const struct stat& file, const char* path)
+{
+    return !isNamed(file, path) || ::unlink(path) == 0 || errno == ENOENT;
+}
+
+/** Gives up the file that this call made. */
+void giveUp(int fd, const char* path)
+{
+    struct stat file = {};
+    if (::fstat(fd, &file) == 0) {
+        removeName(file, path);
+    } else {
+        ::unlink(path);
+    }
+    // Closing would not unlock a file that a child process has inherited.
+    ::flock(fd, LOCK_UN);
+}
+
+/** Locks the file that this call made. Returns 0, or why that cannot be used. */
+int claim(int fd, const char* path)
+{
+    struct stat made = {};
+    if (!lock(fd) || ::fstat(fd, &made) != 0) {
+        return errno;
+    }
+    // Before it was locked, somebody may have removed it as one that was left behind.
+    return isNamed(made, path) ? 0 : EWOULDBLOCK;
+}
+
+/** Makes the file, locked. On failure errno is EEXIST when there is one. */
+FileDescriptor make(const char* path)
+{
+    // Nobody else may write to it: it is going to be mapped.
+    constexpr mode_t Mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+    FileDescriptor file(::open(path, O_RDWR | O_CREAT | O_EXCL | CommonFlags, Mode));
+    const int error = file.isOpen() ? claim(file.get(), path) : 0;
+    if (error == 0) {
+        return file;
+    }
+    giveUp(file.get(), path);
+    errno = error;
+    return FileDescriptor(-1);
+}
+
+/** Removes the named file, which nobody had locked. Returns false when that is futile. */
+bool removeUnused(int fd, const struct stat& named, const char* path)
+{
+    struct stat file = {};
+    if (::fstat(fd, &file) != 0) {
+        return false;
+    }
+    if (!isSame(file, named)) {
+        return true;
+    }
+    // One's own is emptied first, as "w+" does; but not what has another name as well.
+    if (file.st_uid == ::geteuid() && file.st_nlink == 1 && ::ftruncate(fd, 0) != 0) {
+        return false;
+    }
+    if (removeName(file, path)) {
+        return true;
+    }
+    // Another user's. If he has just made it, he locks it now; else it was left behind.
+    ::flock(fd, LOCK_UN);
+    sleepFor(milliseconds(100));
+    return !lock(fd) || !isNamed(file, path);
+}
+
+/** Waits a little for whoever uses the file, or removes it. Returns false when that is futile. */
+bool makeWay(const char* path, const Patience& patience)
+{
+    struct stat named = {};
+    if (::lstat(path, &named) != 0) {
+        return errno == ENOENT;
+    }
+    if (!S_ISREG(named.st_mode)) {
+        return false;
+    }
+    const int access = named.st_uid == ::geteuid() ? O_RDWR : O_RDONLY;
+    const FileDescriptor file(::open(path, access | CommonFlags));
+    if (file.isOpen() && lock(file.get())) {
+        return removeUnused(file.get(), named, path);
+    }
+    if (errno != EWOULDBLOCK) {
+        return errno == ENOENT;
+    }
+    if (patience.isOver()) {
+        // Without its name it is still his, whole.
+        return removeName(named, path);
+    }
+    sleepFor(milliseconds(2));
+    return true;
+}
+
+/** Makes the file, locked, as soon as nobody else uses one of that name. */
+FileDescriptor makeAlone(const char* path)
+{
+    const Patience patience;
+    // Somebody else may be faster again and again.
+    constexpr int TriesWithoutPatience = 100;
+    for (int tries = TriesWithoutPatience; tries > 0; tries -= patience.isOver() ? 1 : 0) {
+        FileDescriptor file = make(path);
+        if (file.isOpen()) {
+            return file;
+        }
+        if (errno == EWOULDBLOCK) {
+            sleepFor(milliseconds(1));
+        } else if (errno != EEXIST || !makeWay(path, patience)) {
+            break;
+        }
+    }
+    return FileDescriptor(-1);
+}
+
+std::FILE* openStream(const char* path)
+{
+    FileDescriptor file = makeAlone(path);
+    if (!file.isOpen()) {
         return nullptr;
     }
-    FileDescriptor duplicate(::fcntl(fd, F_DUPFD_CLOEXEC, 0));
-    std::FILE* stream = duplicate.isOpen() ? ::fdopen(duplicate.get(), "w+") : nullptr;
-    if (stream != nullptr) {
-        duplicate.release();
+    std::FILE* stream = ::fdopen(file.get(), "w+");
+    if (stream == nullptr) {
+        giveUp(file.get(), path);
+        return nullptr;
     }
+    file.release();
     return stream;
 }
 
 } // namespace
 
-TemporaryFile::TemporaryFile(const char* path)
-    : m_path(path), m_lock(openLocked(path)), m_stream(openEmptyStream(m_lock.get()))
-{}
+TemporaryFile::TemporaryFile(const char* path) : m_path(path), m_stream(openStream(path)) {}
 
 TemporaryFile::~TemporaryFile()
 {
-    const trace::ErrnoKeeper errnoKeeper;
     if (m_stream != nullptr) {
+        const trace::ErrnoKeeper errnoKeeper;
+        giveUp(::fileno(m_stream), m_path);
         static_cast<void>(std::fclose(m_stream));
-    }
-    if (m_lock.isOpen()) {
-        static_cast<void>(std::remove(m_path));
-        // Closing would not unlock a file that a child process has inherited.
-        ::flock(m_lock.get(), LOCK_UN);
     }
 }
 

@@ -1,8 +1,6 @@
 #ifndef BSP_SRC_BSPTEMPORARYFILE_H
 #define BSP_SRC_BSPTEMPORARYFILE_H
 
-#include "BspFileDescriptor.h"
-
 #include <cstdio>
 
 namespace os
@@ -13,9 +11,14 @@ namespace bsp
 /**
  * An empty file of a fixed name, for reading and writing, that this object alone uses.
  *
- * Whoever wants a file of the same name at the same moment, in any process or thread, waits. The
- * file is removed with the object. One that a killed process left behind is taken over; anything
- * at that name that is no regular file, such as a symbolic link, is neither followed nor touched.
+ * It is always a new one, made, locked and at the end removed by this object, so nobody else, of
+ * whatever user, has a say in what is in it. Whoever wants a file of the same name at the same
+ * moment, in any process or thread, waits for the lock, but for ten seconds at most.
+ *
+ * A file that nobody has locked, left behind by a killed process, and one that is locked for longer
+ * are replaced by those who may remove them: root, and the user whose file it is. Its user is not
+ * disturbed by that. Anything at that name that is no regular file, such as a symbolic link, is
+ * neither followed nor touched.
  */
 class TemporaryFile
 {
@@ -31,7 +34,6 @@ public:
 
 private:
     const char* const m_path;
-    const FileDescriptor m_lock;
     std::FILE* const m_stream;
 };
 

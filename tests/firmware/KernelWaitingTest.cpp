@@ -1,0 +1,318 @@
+// The temporary file's name is taken: who is waited for, for how long, and what happens then.
+
+#include "FakeTime.h"
+#include "KernelFaults.h"
+#include "StuckCaller.h"
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace
+{
+
+using firmware::askFile;
+using firmware::Course;
+using firmware::failed;
+using firmware::found;
+using firmware::headerAt1000;
+using firmware::kernelImage;
+using firmware::noise;
+using firmware::StuckCaller;
+using firmware::TemporaryImage;
+using firmware::temporaryImageExists;
+using recordingtrace::takeLines;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using systemcalls::fail;
+using systemcalls::hooks;
+using systemcalls::real;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Ge;
+using testing::Le;
+using testsupport::readFile;
+using testsupport::writeFile;
+
+const std::string noTemporaryFile =
+    "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
+
+/** What somebody has put there in the hope that it is taken for an inflated kernel. */
+const std::string planted = "Linux version 6.6.6.R6E6";
+
+/** Somebody's file of the temporary file's name, open. */
+class SomebodysFile
+{
+public:
+    SomebodysFile() : m_fd(real().open(TemporaryImage, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666))
+    {
+        EXPECT_EQ(::write(m_fd, planted.data(), planted.size()),
+                  static_cast<ssize_t>(planted.size()));
+    }
+    ~SomebodysFile() { ::close(m_fd); }
+    SomebodysFile(const SomebodysFile&) = delete;
+    SomebodysFile& operator=(const SomebodysFile&) = delete;
+
+    void lock() const { EXPECT_EQ(real().flock(m_fd, LOCK_EX | LOCK_NB), 0); }
+    void unlock() const { EXPECT_EQ(real().flock(m_fd, LOCK_UN), 0); }
+    /** What a call does at its end. */
+    void removeAndUnlock() const
+    {
+        EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+        unlock();
+    }
+    std::string contents() const { return readFile("/proc/self/fd/" + std::to_string(m_fd)); }
+
+private:
+    const int m_fd;
+};
+
+class KernelWaiting : public firmware::KernelFaults
+{
+protected:
+    /** Whatever is there is another user's. */
+    static void beAnotherUser()
+    {
+        hooks().geteuid = [] { return ::getuid() + 1; };
+    }
+    /** In a sticky directory only root, and the directory's owner, remove what is another's. */
+    static void forbidRemoving()
+    {
+        hooks().unlink = [](const char* path) {
+            EXPECT_STREQ(path, TemporaryImage);
+            return fail(EPERM);
+        };
+    }
+    /** Neither used nor changed. */
+    static void expectItIsStillThere(const SomebodysFile& file)
+    {
+        EXPECT_EQ(readFile(TemporaryImage), planted);
+        EXPECT_EQ(file.contents(), planted);
+        EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+    }
+};
+
+TEST_F(KernelWaiting, ForACallThatEndsInTime)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    forbidRemoving();
+    const SomebodysFile his;
+    his.lock();
+    time.whileAsleep = [&] {
+        if (time.passed() >= seconds(9) && temporaryImageExists()) {
+            his.removeAndUnlock();
+            hooks().unlink = nullptr;
+        }
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(9)), Le(milliseconds(9010))));
+}
+
+TEST_F(KernelWaiting, EndsAfterTenSeconds)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    forbidRemoving();
+    const SomebodysFile his;
+    his.lock();
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    // Often enough to notice the end at once, seldom enough to leave the processor to others.
+    EXPECT_THAT(time.sleeps(), AllOf(Ge(1000), Le(10000)));
+    expectItIsStillThere(his);
+}
+
+TEST_F(KernelWaiting, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    const SomebodysFile his;
+    his.lock();
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    EXPECT_EQ(his.contents(), planted);
+}
+
+TEST_F(KernelWaiting, EndsAfterTenSecondsForOnesOwnFileToo)
+{
+    // A process of one's own that is stopped; or another user who has locked what one of them left.
+    firmware::FakeTime time;
+    const SomebodysFile own;
+    own.lock();
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    EXPECT_EQ(own.contents(), planted);
+}
+
+TEST_F(KernelWaiting, EndsHoweverOftenTheFileComesBack)
+{
+    firmware::FakeTime time;
+    std::unique_ptr<SomebodysFile> his = std::make_unique<SomebodysFile>();
+    his->lock();
+    hooks().unlink = [&](const char* path) {
+        EXPECT_EQ(real().unlink(path), 0);
+        his = std::make_unique<SomebodysFile>();
+        his->lock();
+        return 0;
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    EXPECT_THAT(time.passed(), Le(milliseconds(10010)));
+    expectItIsStillThere(*his);
+}
+
+TEST_F(KernelWaiting, EndsHoweverOftenSomebodyElseLocksFirst)
+{
+    firmware::FakeTime time;
+    hooks().flock = [&](int fd, int operation) {
+        return operation == LOCK_UN ? real().flock(fd, operation) : fail(EWOULDBLOCK);
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(time.passed(), Le(milliseconds(10200)));
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+}
+
+TEST_F(KernelWaiting, IsForALeaseToo)
+{
+    // The open fails as the lock of another does.
+    firmware::FakeTime time;
+    beAnotherUser();
+    const SomebodysFile his;
+    hooks().open = [](const char* path, int flags, mode_t mode) {
+        const bool hasLease = path == std::string(TemporaryImage) && (flags & O_CREAT) == 0;
+        return hasLease ? fail(EWOULDBLOCK) : real().open(path, flags, mode);
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    EXPECT_EQ(his.contents(), planted);
+}
+
+TEST_F(KernelWaiting, IsNotForAFileThatNobodyUses)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    const SomebodysFile his;
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(time.sleeps(), 0);
+    EXPECT_EQ(his.contents(), planted);
+}
+
+TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    forbidRemoving();
+    const SomebodysFile his;
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    EXPECT_THAT(time.passed(), Le(milliseconds(100)));
+    expectItIsStillThere(his);
+}
+
+TEST_F(KernelWaiting, IsForAFileThatIsBeingMade)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    forbidRemoving();
+    const SomebodysFile his;
+    time.whileAsleep = [&] {
+        if (time.sleeps() == 1) {
+            his.lock();
+        } else if (time.passed() >= seconds(1) && temporaryImageExists()) {
+            his.removeAndUnlock();
+            hooks().unlink = nullptr;
+        }
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_THAT(time.passed(), Ge(seconds(1)));
+}
+
+TEST_F(KernelWaiting, IsForTheNextCallToo)
+{
+    firmware::FakeTime time;
+    beAnotherUser();
+    forbidRemoving();
+    auto his = std::make_unique<SomebodysFile>();
+    time.whileAsleep = [&] {
+        // While it is looked at once more, that call ends and another begins.
+        if (time.sleeps() == 1) {
+            EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+            his = std::make_unique<SomebodysFile>();
+            his->lock();
+        } else if (temporaryImageExists()) {
+            his->removeAndUnlock();
+            hooks().unlink = nullptr;
+        }
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(time.sleeps(), 2);
+}
+
+TEST_F(KernelWaiting, SparesAFileOfTwoNames)
+{
+    // It may be one's own file elsewhere, of which somebody has made a link.
+    const SomebodysFile own;
+    const std::string other = "/dev/shm/bsp-test-other-name";
+    std::filesystem::create_hard_link(TemporaryImage, other);
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(readFile(other), planted);
+    EXPECT_TRUE(std::filesystem::remove(other));
+}
+
+TEST_F(KernelWaiting, EmptiesWhatOneLeftBehind)
+{
+    const SomebodysFile own;
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(own.contents(), "");
+}
+
+TEST_F(KernelWaiting, DisturbsNoneOfTheTwo)
+{
+    const firmware::FakeTime time;
+    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
+    int reads = 0;
+    hooks().read = [&](int fd, void* buffer, std::size_t size) {
+        // The first call, half-way, is so slow that another one replaces its file.
+        if (++reads == 4) {
+            EXPECT_EQ(askFile(m_directory.file("other")), found("R9Z"));
+            EXPECT_THAT(time.passed(), Ge(seconds(10)));
+            writeFile(TemporaryImage, "the next caller's");
+        }
+        return real().read(fd, buffer, size);
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(readFile(TemporaryImage), "the next caller's");
+    EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+}
+
+TEST_F(KernelWaiting, IsNotForAKilledCall)
+{
+    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
+    {
+        const StuckCaller caller(m_directory.file("other"));
+    }
+    EXPECT_TRUE(temporaryImageExists());
+    const firmware::FakeTime time;
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(time.sleeps(), 0);
+    EXPECT_FALSE(temporaryImageExists());
+}
+
+TEST_F(KernelWaiting, EndsWhenTheOtherIsKilled)
+{
+    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
+    StuckCaller caller(m_directory.file("other"));
+    auto answer = std::async(std::launch::async, [this] { return askAgain(); });
+    EXPECT_EQ(answer.wait_for(milliseconds(200)), std::future_status::timeout);
+    caller.kill();
+    EXPECT_EQ(answer.get(), found("R1A01"));
+}
+
+} // namespace
