@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -264,6 +265,37 @@ TEST_F(KernelWaiting, SparesAFileOfTwoNames)
     EXPECT_EQ(askAgain(), found("R1A01"));
     EXPECT_EQ(readFile(other), planted);
     EXPECT_TRUE(std::filesystem::remove(other));
+}
+
+TEST_F(KernelWaiting, LooksAgainWhenAnotherFileHasTakenThePlace)
+{
+    beAnotherUser();
+    const SomebodysFile his;
+    std::unique_ptr<SomebodysFile> own;
+    hooks().open = [&](const char* path, int flags, mode_t mode) {
+        if (path == std::string(TemporaryImage) && (flags & O_CREAT) == 0 && own == nullptr) {
+            EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
+            own = std::make_unique<SomebodysFile>();
+            hooks().geteuid = nullptr;
+        }
+        return real().open(path, flags, mode);
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+    EXPECT_EQ(his.contents(), planted);
+}
+
+TEST_F(KernelWaiting, IsNotForAnotherUsersPipe)
+{
+    // Opening it would wake whoever waits for a reader.
+    beAnotherUser();
+    ASSERT_EQ(::mkfifo(TemporaryImage, 0666), 0);
+    hooks().open = [](const char* path, int flags, mode_t mode) {
+        EXPECT_TRUE(path != std::string(TemporaryImage) || (flags & O_CREAT) != 0);
+        return real().open(path, flags, mode);
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
 }
 
 TEST_F(KernelWaiting, EmptiesWhatOneLeftBehind)
