@@ -1,8 +1,58 @@
 #include "BoardDirectory.h"
+#include "OtherUser.h"
+#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <set>
+
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace
+{
+
+const std::string system = "/var/lib/bsp/board";
+
+/** What the wrapped calls tell. */
+struct
+{
+    std::set<std::string> directories; /**< Those that exist. */
+    uid_t user = 1000;
+    bool hasRaisedRights = false;
+} surroundings;
+
+} // namespace
+
+extern "C"
+{
+    char* __real_secure_getenv(const char* name);
+    int __wrap_access(const char* path, int mode);
+    uid_t __wrap_geteuid();
+    char* __wrap_secure_getenv(const char* name);
+}
+
+int __wrap_access(const char* path, int /*mode*/)
+{
+    if (surroundings.directories.count(path) == 1) {
+        return 0;
+    }
+    errno = ENOENT;
+    return -1;
+}
+
+uid_t __wrap_geteuid()
+{
+    return surroundings.user;
+}
+
+char* __wrap_secure_getenv(const char* name)
+{
+    return surroundings.hasRaisedRights ? nullptr : __real_secure_getenv(name);
+}
 
 namespace
 {
@@ -12,36 +62,50 @@ class BoardDirectory : public testing::Test
 protected:
     BoardDirectory()
     {
-        ::setenv("BSP_BOARD_DIR", "/the/board", 1);
+        ::unsetenv("BSP_BOARD_DIR");
         ::setenv("XDG_STATE_HOME", "/the/state", 1);
         ::setenv("HOME", "/the/home", 1);
     }
+
+    static void exist(const std::set<std::string>& directories)
+    {
+        surroundings.directories = directories;
+    }
 };
 
-TEST_F(BoardDirectory, IsWhereItsOwnVariableSays)
+TEST_F(BoardDirectory, IsWhereItsOwnVariableSaysWhateverExists)
 {
+    ::setenv("BSP_BOARD_DIR", "/the/board", 1);
+    EXPECT_EQ(boarddirectory::path(), "/the/board");
+    exist({"/the/state/bsp/board/", "/the/home/.local/state/bsp/board/", system + '/'});
     EXPECT_EQ(boarddirectory::path(), "/the/board");
 }
 
-TEST_F(BoardDirectory, IsElseBelowTheStateDirectory)
+TEST_F(BoardDirectory, IsElseTheFirstThatExists)
 {
-    ::unsetenv("BSP_BOARD_DIR");
+    exist({"/the/state/bsp/board/", "/the/home/.local/state/bsp/board/", system + '/'});
     EXPECT_EQ(boarddirectory::path(), "/the/state/bsp/board");
+    exist({"/the/home/.local/state/bsp/board/", system + '/'});
+    EXPECT_EQ(boarddirectory::path(), "/the/home/.local/state/bsp/board");
+    exist({system + '/'});
+    EXPECT_EQ(boarddirectory::path(), system);
 }
 
-TEST_F(BoardDirectory, IsElseBelowTheHomeDirectory)
+TEST_F(BoardDirectory, IsTheUsersOwnWhenNoneExists)
 {
-    ::unsetenv("BSP_BOARD_DIR");
+    EXPECT_EQ(boarddirectory::path(), "/the/state/bsp/board");
     ::unsetenv("XDG_STATE_HOME");
     EXPECT_EQ(boarddirectory::path(), "/the/home/.local/state/bsp/board");
+    ::unsetenv("HOME");
+    EXPECT_EQ(boarddirectory::path(), system);
 }
 
-TEST_F(BoardDirectory, IsElseTheSystems)
+TEST_F(BoardDirectory, IsTheSystemsForRootWhenNoneExists)
 {
-    ::unsetenv("BSP_BOARD_DIR");
-    ::unsetenv("XDG_STATE_HOME");
-    ::unsetenv("HOME");
-    EXPECT_EQ(boarddirectory::path(), "/var/lib/bsp/board");
+    surroundings.user = 0;
+    EXPECT_EQ(boarddirectory::path(), system);
+    exist({"/the/home/.local/state/bsp/board/"});
+    EXPECT_EQ(boarddirectory::path(), "/the/home/.local/state/bsp/board");
 }
 
 TEST_F(BoardDirectory, TakesAnEmptyVariableAsUnset)
@@ -51,11 +115,57 @@ TEST_F(BoardDirectory, TakesAnEmptyVariableAsUnset)
     ::setenv("XDG_STATE_HOME", "", 1);
     EXPECT_EQ(boarddirectory::path(), "/the/home/.local/state/bsp/board");
     ::setenv("HOME", "", 1);
-    EXPECT_EQ(boarddirectory::path(), "/var/lib/bsp/board");
+    EXPECT_EQ(boarddirectory::path(), system);
+}
+
+TEST_F(BoardDirectory, IsTheSystemsForAProgramWithRaisedRights)
+{
+    ::setenv("BSP_BOARD_DIR", "/the/board", 1);
+    exist({"/the/state/bsp/board/", "/the/home/.local/state/bsp/board/"});
+    surroundings.hasRaisedRights = true;
+    EXPECT_EQ(boarddirectory::path(), system);
+}
+
+/** What the program says that runs as another user, with the mode that its file has. */
+std::string pathForOther(const std::string& program, mode_t mode)
+{
+    EXPECT_EQ(::chmod(program.c_str(), mode), 0);
+    testsupport::Program run{};
+    run.path = program;
+    run.environment = {{"BSP_BOARD_DIR", "/the/board"}};
+    run.prepare = testsupport::becomeOrdinaryUser;
+    return run.run().out;
+}
+
+TEST_F(BoardDirectory, IsTheSystemsForAProgramThatIsItsOwnersForAll)
+{
+    const std::string emulator = BSP_TEST_EMULATOR;
+    if (!emulator.empty()) {
+        GTEST_SKIP() << "the kernel raises no rights of a program in an emulator";
+    }
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only root can start a program of its own as another user";
+    }
+    const testsupport::TemporaryDirectory directory;
+    std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
+    struct statvfs disk
+    {};
+    ASSERT_EQ(::statvfs(directory.path().c_str(), &disk), 0);
+    if ((disk.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
+        GTEST_SKIP() << "no program gets rights here that its caller lacks";
+    }
+    const std::string program = directory.file("program");
+    std::filesystem::copy_file(BOARD_PATH, program);
+    if (!testsupport::canBeReachedByOthers(directory.path())) {
+        GTEST_SKIP() << "other users cannot enter the directory for temporary files";
+    }
+    EXPECT_EQ(pathForOther(program, 0755), "/the/board\n");
+    EXPECT_EQ(pathForOther(program, 04755), system + '\n');
 }
 
 TEST_F(BoardDirectory, HasItsEntriesDirectlyInIt)
 {
+    ::setenv("BSP_BOARD_DIR", "/the/board", 1);
     EXPECT_EQ(boarddirectory::entryPath("eeprom"), "/the/board/eeprom");
 }
 

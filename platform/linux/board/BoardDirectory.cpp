@@ -1,6 +1,9 @@
 #include "BoardDirectory.h"
 
 #include <cstdlib>
+#include <vector>
+
+#include <unistd.h>
 
 namespace boarddirectory
 {
@@ -8,33 +11,53 @@ namespace boarddirectory
 namespace
 {
 
-struct Place
+constexpr const char* SystemPlace = "/var/lib/bsp/board";
+
+/** The directories of users, best first. */
+constexpr struct
 {
     const char* variable;
     const char* below; /**< Directory below the variable's. */
-};
-
-/** Where to look, best first. */
-constexpr Place Places[] = {
-    {"BSP_BOARD_DIR", ""},
+} UsersPlaces[] = {
     {"XDG_STATE_HOME", "/bsp/board"},
     {"HOME", "/.local/state/bsp/board"},
 };
 
-constexpr const char* SystemPlace = "/var/lib/bsp/board";
+/** Empty for a program with raised rights: its caller does not choose what it works on. */
+std::string environment(const char* variable)
+{
+    // Programs that change their environment while they ask for their board are on their own.
+    const char* const text = ::secure_getenv(variable); // NOLINT(concurrency-mt-unsafe)
+    return text == nullptr ? "" : text;
+}
+
+bool isDirectory(const std::string& path)
+{
+    return ::access((path + '/').c_str(), F_OK) == 0;
+}
 
 } // namespace
 
 std::string path()
 {
-    for (const Place& place : Places) {
-        // Programs that change their environment while they ask for their board are on their own.
-        const char* base = std::getenv(place.variable); // NOLINT(concurrency-mt-unsafe)
-        if (base != nullptr && *base != '\0') {
-            return std::string(base) + place.below;
+    std::string chosen = environment("BSP_BOARD_DIR");
+    if (!chosen.empty()) {
+        return chosen;
+    }
+    std::vector<std::string> places;
+    for (const auto& place : UsersPlaces) {
+        const std::string base = environment(place.variable);
+        if (!base.empty()) {
+            places.push_back(base + place.below);
         }
     }
-    return SystemPlace;
+    places.emplace_back(SystemPlace);
+    for (const std::string& place : places) {
+        if (isDirectory(place)) {
+            return place;
+        }
+    }
+    return ::geteuid() == 0 ? SystemPlace : places.front();
 }
 
 std::string entryPath(const std::string& name)

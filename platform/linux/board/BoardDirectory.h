@@ -13,8 +13,10 @@ namespace boarddirectory
 {
 
 /**
- * Path of the board directory: `$BSP_BOARD_DIR`, else `$XDG_STATE_HOME/bsp/board`, else
- * `$HOME/.local/state/bsp/board`, else `/var/lib/bsp/board`. An empty variable counts as unset.
+ * Path of the board directory: `$BSP_BOARD_DIR`, else the first directory that exists of
+ * `$XDG_STATE_HOME/bsp/board`, `$HOME/.local/state/bsp/board` and `/var/lib/bsp/board`. When none
+ * does, it is the last for root, and the first of them for others. An empty variable counts as
+ * unset; a program with raised rights heeds none and has `/var/lib/bsp/board`.
  *
  * The environment is looked at anew by each call. The directory need not exist.
  */
