@@ -21,7 +21,7 @@ set(bsp_version "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libbsp${BSP_SOVERSION})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS 
-  "${bsp_libraries}, libgcc-s1 (>= 12), liblmdb0 (>= 0.9.6), libstdc++6 (>= 12)")
+  "${bsp_libraries}, libgcc-s1 (>= 12), libstdc++6 (>= 12)")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
   "board-support layer: shared library\nAnswers what hardware a board has, and keeps small objects over warm restarts.")
@@ -29,7 +29,7 @@ set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libbsp-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libbsp${BSP_SOVERSION} (= ${bsp_version})")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "liblmdb-dev, zlib1g-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "zlib1g-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
   "board-support layer: development files\nHeaders for C and C++, static libraries, and files for pkg-config and CMake.")
 

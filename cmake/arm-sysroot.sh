@@ -1,12 +1,12 @@
 #!/bin/sh
-# Unpacks the libraries of the target that the cross compiler does not bring: zlib, LMDB, CLI11.
+# Unpacks the libraries of the target that the cross compiler does not bring: zlib, CLI11.
 # usage: cmake/arm-sysroot.sh DIRECTORY
 #
 # apt works on lists and a package database of its own here, so the host learns of no second
 # architecture. A directory that is complete is left as it is.
 set -eu
 
-packages="zlib1g zlib1g-dev liblmdb0 liblmdb-dev libcli11-dev"
+packages="zlib1g zlib1g-dev libcli11-dev"
 
 if [ $# -ne 1 ]; then
     echo "usage: $0 DIRECTORY" >&2

@@ -19,7 +19,7 @@ protected:
         expectQuiet({"create", "b", "--code", "2100000401000100"});
         write("b/top.dtcm0", std::string(32768, 'm'));
         write("b/top.sys_ctrl0", word(77) + std::string(4092, 'r'));
-        write("b/config.mdb", "settings");
+        write("b/settings", "settings");
         write("b/shm/sem.DtcmDbSharedSem", "semaphore");
         fs::create_directories(file("b/tmp/some/where"));
         write("b/tmp/some/where/file", "temporary");
@@ -37,7 +37,7 @@ protected:
         EXPECT_THAT(entries("b/shm"), IsEmpty());
         EXPECT_EQ(contents("b/leds/red/korvanta_state"), "steady_off\n");
         EXPECT_EQ(contents("b/leds/red/trigger"), "none [korvanta]\n");
-        EXPECT_EQ(contents("b/config.mdb"), "settings");
+        EXPECT_EQ(contents("b/settings"), "settings");
         EXPECT_EQ(contents("b/eeprom"), std::string("\x21\0\0\x04\x01\0\x01\0", 8));
         EXPECT_EQ(contents("keep/file"), "kept");
     }

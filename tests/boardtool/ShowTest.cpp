@@ -213,27 +213,30 @@ TEST_F(Show, NamesWhatIsBroken)
     write("b/eeprom", "1234567");
     write("b/top.sys_ctrl0", "123");
     write("b/top.dtcm0", std::string(32767, 'x'));
-    write("b/config.mdb", "no database");
+    write("b/settings", "no setting");
     fs::remove(file("b/leds/red/korvanta_state"));
     fs::create_directory(file("b/leds/red/korvanta_state"));
-    EXPECT_EQ(show(), "Hardware code   'b/eeprom' has 7 bytes instead of 8\n"
-                      "Variant         14 (the code cannot be read)\n"
-                      "Product         KT4851_3\n"
-                      "Revision        0 (R1_P2)\n"
-                      "Platform        Nxu5\n"
-                      "Reset cause     'b/top.sys_ctrl0' has 3 bytes instead of 4\n"
-                      "Cold marker     present\n"
-                      "Store           cannot read 'b/config.mdb': damaged: it was cut off\n"
-                      "LED yellow      steady_off\n"
-                      "LED red         cannot read 'b/leds/red/korvanta_state': Is a directory\n"
-                      "LED green       steady_off\n"
-                      "Warm area       'b/top.dtcm0' has 32767 bytes instead of 32768\n");
+    EXPECT_EQ(show(),
+              "Hardware code   'b/eeprom' has 7 bytes instead of 8\n"
+              "Variant         14 (the code cannot be read)\n"
+              "Product         KT4851_3\n"
+              "Revision        0 (R1_P2)\n"
+              "Platform        Nxu5\n"
+              "Reset cause     'b/top.sys_ctrl0' has 3 bytes instead of 4\n"
+              "Cold marker     present\n"
+              "Store           cannot read 'b/settings': line 1: not of the form key=value\n"
+              "LED yellow      steady_off\n"
+              "LED red         cannot read 'b/leds/red/korvanta_state': Is a directory\n"
+              "LED green       steady_off\n"
+              "Warm area       'b/top.dtcm0' has 32767 bytes instead of 32768\n");
 }
 
-TEST_F(Show, NamesAStoreThatIsNone)
+TEST_F(Show, NamesAStoreOfAnEarlierVersion)
 {
-    write("b/config.mdb", std::string(1024 * 1024, 'x'));
-    EXPECT_THAT(show(), HasSubstr("\nStore           cannot read 'b/config.mdb': cannot open: "));
+    write("b/config.mdb", "database");
+    EXPECT_THAT(show(), HasSubstr("\nStore           cannot read 'b/settings': there is a "
+                                  "b/config.mdb of an earlier version; write its values as "
+                                  "key=value lines into b/settings and remove it\n"));
 }
 
 TEST_F(Show, FollowsLinksToHardware)
@@ -257,11 +260,11 @@ TEST_F(Show, ChangesNothing)
     const std::vector<std::string> before = everything();
     struct stat store
     {};
-    ASSERT_EQ(::stat(file("b/config.mdb").c_str(), &store), 0);
+    ASSERT_EQ(::stat(file("b/settings").c_str(), &store), 0);
     show({"show", "b", "--dump"});
     struct stat after
     {};
-    ASSERT_EQ(::stat(file("b/config.mdb").c_str(), &after), 0);
+    ASSERT_EQ(::stat(file("b/settings").c_str(), &after), 0);
     EXPECT_EQ(everything(), before);
     EXPECT_EQ(after.st_mtim.tv_sec, store.st_mtim.tv_sec);
     EXPECT_EQ(after.st_mtim.tv_nsec, store.st_mtim.tv_nsec);

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <sys/types.h>
+
 namespace testsupport
 {
 
@@ -22,6 +24,10 @@ public:
         writeFile(file(name), contents);
     }
     bool has(const std::string& name) const { return std::filesystem::exists(file(name)); }
+    mode_t modeOf(const std::string& name) const
+    {
+        return static_cast<mode_t>(std::filesystem::status(file(name)).permissions());
+    }
     bool isEmpty() const { return std::filesystem::is_empty(path()); }
 };
 

@@ -1,8 +1,11 @@
 #include "Board.h"
 #include "NxuConfig.h"
+#include "OtherUser.h"
 #include "Sandbox.h"
 
 #include <gmock/gmock.h>
+
+#include <functional>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,16 +15,14 @@ namespace
 
 using os::bsp::NxuConfig;
 using testsupport::Board;
+using testsupport::OrdinaryUser;
 using testsupport::Outcome;
-using testsupport::Program;
 using testsupport::readFile;
-
-constexpr uid_t OrdinaryUser = 65534;
 
 class ConfigFaults : public testing::Test
 {
 protected:
-    ConfigFaults() : file(board.file("config.mdb")) {}
+    ConfigFaults() : file(board.file("settings")) {}
 
     std::string cannotRead(const std::string& why) const
     {
@@ -50,45 +51,83 @@ protected:
     NxuConfig config;
 };
 
-TEST_F(ConfigFaults, AreNamedWhenTheFileIsNoStore)
+TEST_F(ConfigFaults, AreNamedWithTheLine)
 {
-    board.write("config.mdb", std::string(2000000, 'x'));
-    EXPECT_EQ(errorOfGet(), cannotRead("cannot open: MDB_INVALID: File is not an LMDB file"));
+    const std::string text = "# settings\nkey=value\nword\n";
+    board.write("settings", text);
+    EXPECT_EQ(errorOfGet(), cannotRead("line 3: not of the form key=value"));
     EXPECT_FALSE(config.set("key", "value"));
     EXPECT_FALSE(config.clear("key"));
-    EXPECT_EQ(readFile(file), std::string(2000000, 'x'));
+    EXPECT_FALSE(config.clear("none"));
+    EXPECT_EQ(readFile(file), text);
 }
 
-TEST_F(ConfigFaults, AreNamedWhenTheFileIsCutOff)
+TEST_F(ConfigFaults, AreNamedWhenTheFileIsTooLarge)
 {
-    for (const std::size_t size : {0U, 100U, 4096U, 8192U, 1048575U}) {
-        EXPECT_TRUE(config.set("key", "value"));
-        ASSERT_EQ(::truncate(file.c_str(), static_cast<off_t>(size)), 0);
-        EXPECT_EQ(errorOfGet(), cannotRead("damaged: it was cut off"));
-        EXPECT_FALSE(config.set("key", "other"));
-        EXPECT_FALSE(config.clear("key"));
-        EXPECT_EQ(std::filesystem::file_size(file), size);
-        std::filesystem::remove(file);
+    const std::string text = std::string(1024 * 1024, '#');
+    board.write("settings", text);
+    EXPECT_EQ(config.get("key"), "");
+    board.write("settings", text + '#');
+    EXPECT_EQ(errorOfGet(), cannotRead("larger than 1048576 bytes"));
+    EXPECT_FALSE(config.set("key", "value"));
+    EXPECT_EQ(readFile(file), text + '#');
+}
+
+TEST_F(ConfigFaults, NeverEndTheProcessWhateverByteIsDamaged)
+{
+    EXPECT_TRUE(config.set("key", "value \\\n"));
+    EXPECT_TRUE(config.set("other", "1"));
+    const std::string whole = readFile(file);
+    for (std::size_t place = 0; place < whole.size(); ++place) {
+        for (int byte = 0; byte < 256; byte += 3) {
+            std::string damaged = whole;
+            damaged[place] = static_cast<char>(byte);
+            board.write("settings", damaged);
+            const std::string answer = errorOfGet();
+            EXPECT_TRUE(answer.rfind("none: ", 0) == 0 || answer.rfind(cannotRead("line "), 0) == 0)
+                << answer;
+        }
+        ASSERT_EQ(::truncate(file.c_str(), static_cast<off_t>(place)), 0);
+        errorOfGet();
     }
 }
 
 TEST_F(ConfigFaults, EndWithTheirCause)
 {
-    EXPECT_TRUE(config.set("key", "value"));
-    const std::string whole = readFile(file);
-    ASSERT_EQ(::truncate(file.c_str(), 0), 0);
-    EXPECT_EQ(errorOfGet(), cannotRead("damaged: it was cut off"));
-    board.write("config.mdb", whole);
+    board.write("settings", "word");
+    EXPECT_EQ(errorOfGet(), cannotRead("line 1: not of the form key=value"));
+    board.write("settings", "key=value");
     EXPECT_EQ(config.get("key"), "value");
+}
+
+TEST_F(ConfigFaults, AreNamedWhenThereIsAStoreOfAnEarlierVersion)
+{
+    const std::string former = board.file("config.mdb");
+    board.write("config.mdb", "database");
+    EXPECT_EQ(errorOfGet(),
+              cannotRead("there is a " + former +
+                         " of an earlier version; write its values as key=value lines into " +
+                         file + " and remove it"));
+    EXPECT_FALSE(config.set("key", "value"));
+    EXPECT_FALSE(config.clear("key"));
+    EXPECT_FALSE(board.has("settings"));
+    board.write("settings", "key=value\n");
+    EXPECT_EQ(config.get("key"), "value");
+    EXPECT_TRUE(config.set("key", "other"));
+    EXPECT_EQ(readFile(former), "database");
 }
 
 TEST_F(ConfigFaults, AreNamedWhenTheStoreIsNoFile)
 {
     std::filesystem::create_directory(file);
-    EXPECT_EQ(errorOfGet(), cannotRead("cannot open: Is a directory"));
+    EXPECT_EQ(errorOfGet(), cannotRead("not a regular file"));
     EXPECT_FALSE(config.set("key", "value"));
     std::filesystem::remove(file);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(errorOfGet(), cannotRead("not a regular file"));
+    EXPECT_FALSE(config.set("key", "value"));
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink("/dev/zero", file);
     EXPECT_EQ(errorOfGet(), cannotRead("not a regular file"));
     EXPECT_FALSE(config.set("key", "value"));
 }
@@ -98,7 +137,7 @@ TEST_F(ConfigFaults, AreNamedWhenTheBoardDirectoryIsAFile)
     board.write("file", "");
     ::setenv("BSP_BOARD_DIR", board.file("file").c_str(), 1);
     EXPECT_EQ(errorOfGet(), "cannot read the configuration store " + board.file("file") +
-                                "/config.mdb: cannot open: Not a directory");
+                                "/settings: cannot open: Not a directory");
     EXPECT_FALSE(config.set("key", "value"));
     EXPECT_FALSE(config.clear("key"));
 }
@@ -158,12 +197,11 @@ TEST_F(ConfigFaults, OnAFullDiskKeepTheOldValue)
 
 TEST_F(ConfigFaults, OnAFullDiskMakeNoStore)
 {
-    for (const char* size : {"4096", "8192"}) {
-        const Outcome outcome = client({"--size", size, "--tmpfs", board.path()},
-                                       {"set", "key", "value", "get", "key", "list", board.path()});
-        EXPECT_EQ(outcome.out, "false\n[]\nnothing\n") << size;
-        EXPECT_EQ(outcome.err, "") << size;
-    }
+    const Outcome outcome = client(
+        {"--size", "65536", "--tmpfs", board.path()},
+        {"fill", board.file("filler"), "set", "key", "value", "get", "key", "list", board.path()});
+    EXPECT_EQ(outcome.out, "full\nfalse\n[]\nfiller \n");
+    EXPECT_EQ(outcome.err, "");
 }
 
 /** A user who may not do everything. */
@@ -176,35 +214,44 @@ protected:
             GTEST_SKIP() << "only root has another user's files to make";
         }
         std::filesystem::permissions(board.path(), std::filesystem::perms(0755));
+        if (!testsupport::canBeReachedByOthers(board.path())) {
+            GTEST_SKIP() << "other users cannot enter the directory for temporary files";
+        }
     }
 
-    static Outcome clientOfAnother(const std::vector<std::string>& arguments)
+    /** What the work in a process of another user returns. */
+    static bool asAnother(const std::function<bool()>& work)
     {
-        Program program{};
-        program.path = BOARD_CLIENT;
-        program.arguments = arguments;
-        program.prepare = [] {
-            if (::setgid(OrdinaryUser) != 0 || ::setuid(OrdinaryUser) != 0) {
-                ::_exit(1);
-            }
-        };
-        return program.run();
+        const pid_t process = ::fork();
+        if (process == 0) {
+            testsupport::becomeOrdinaryUser();
+            ::_exit(work() ? 0 : 1);
+        }
+        return testsupport::waitFor(process) == 0;
+    }
+
+    void giveTheBoardAway() const
+    {
+        ASSERT_EQ(::chown(board.path().c_str(), OrdinaryUser, OrdinaryUser), 0);
     }
 };
 
 TEST_F(ConfigOfRoot, CanBeReadByAnother)
 {
     EXPECT_TRUE(config.set("key", "value"));
-    const Outcome outcome =
-        clientOfAnother({"get", "key", "set", "key", "other", "clear", "key", "get", "key"});
-    EXPECT_EQ(outcome.out, "[value]\nfalse\nfalse\n[value]\n");
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(asAnother([&] {
+        return config.get("key") == "value" && !config.set("key", "other") &&
+               !config.clear("key") && config.get("key") == "value";
+    }));
+    EXPECT_EQ(readFile(file), "key=value\n");
 }
 
 TEST_F(ConfigOfRoot, CannotBeMadeByAnother)
 {
-    const Outcome outcome = clientOfAnother({"get", "key", "set", "key", "value", "get", "key"});
-    EXPECT_EQ(outcome.out, "[]\nfalse\n[]\n");
+    EXPECT_TRUE(asAnother([&] {
+        return config.get("key").empty() && !config.set("key", "value") &&
+               config.get("key").empty();
+    }));
     EXPECT_TRUE(board.isEmpty());
 }
 
@@ -212,9 +259,48 @@ TEST_F(ConfigOfRoot, SaysWhyAnotherCannotReadIt)
 {
     EXPECT_TRUE(config.set("key", "value"));
     std::filesystem::permissions(file, std::filesystem::perms(0600));
-    const Outcome outcome = clientOfAnother({"get", "key", "clear", "key"});
-    EXPECT_EQ(outcome.out, cannotRead("cannot open: Permission denied") + "\nfalse\n");
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(asAnother([&] {
+        return errorOfGet() == cannotRead("cannot open: Permission denied") && !config.clear("key");
+    }));
+}
+
+TEST_F(ConfigOfRoot, IsNotReplacedByAnotherWhoOwnsTheDirectoryAlone)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    giveTheBoardAway();
+    EXPECT_TRUE(asAnother([&] { return !config.set("key", "other"); }));
+    EXPECT_EQ(readFile(file), "key=value\n");
+}
+
+TEST_F(ConfigOfRoot, StaysTheUsersWhenRootChangesIt)
+{
+    giveTheBoardAway();
+    EXPECT_TRUE(asAnother([&] { return config.set("key", "value"); }));
+    EXPECT_TRUE(config.set("key", "root's"));
+    EXPECT_TRUE(
+        asAnother([&] { return config.get("key") == "root's" && config.set("key", "user's"); }));
+    EXPECT_EQ(readFile(file), "key=user's\n");
+}
+
+TEST_F(ConfigOfRoot, IsSharedByThoseWhoMayWriteFileAndDirectory)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    ASSERT_EQ(::chmod(file.c_str(), 0666), 0);
+    std::filesystem::permissions(board.path(), std::filesystem::perms(0777));
+    EXPECT_TRUE(asAnother([&] { return config.set("key", "other"); }));
+    EXPECT_EQ(readFile(file), "key=other\n");
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0666));
+    EXPECT_TRUE(config.set("key", "value"));
+}
+
+TEST_F(ConfigOfRoot, KeepsThoseOutWhomAGroupKeptOut)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    ASSERT_EQ(::chmod(file.c_str(), 0606), 0);
+    std::filesystem::permissions(board.path(), std::filesystem::perms(0777));
+    // The group's file would be the other user's group's.
+    EXPECT_TRUE(asAnother([&] { return !config.set("key", "other"); }));
+    EXPECT_EQ(readFile(file), "key=value\n");
 }
 
 } // namespace

@@ -4,29 +4,41 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <stdexcept>
+
+#include <sys/stat.h>
 
 namespace
 {
 
 using os::bsp::NxuConfig;
+using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testsupport::Board;
 using testsupport::Image;
+using testsupport::readFile;
 using testsupport::WatchedDisk;
 
 class ConfigPowerCut : public testing::Test
 {
 protected:
     /** What the key has on a board with that store. */
-    static std::string valueIn(const std::optional<std::string>& store)
+    std::string valueIn(const std::optional<std::string>& store) const
     {
         const Board copy;
         if (store) {
-            copy.write("config.mdb", *store);
+            copy.write("settings", *store);
         }
-        return NxuConfig().get("key");
+        std::string value;
+        try {
+            value = NxuConfig().get("key");
+        } catch (const std::runtime_error& error) {
+            value = error.what();
+        }
+        ::setenv("BSP_BOARD_DIR", board.path().c_str(), 1);
+        return value;
     }
 
     /** Does the work; the images that its steps left. */
@@ -47,8 +59,8 @@ protected:
     }
 
     /** Every image has the old value until one has the new, and the last step leaves the new. */
-    static void expectOldOrNew(const std::vector<Image>& images, const std::string& before,
-                               const std::string& after)
+    void expectOldOrNew(const std::vector<Image>& images, const std::string& before,
+                        const std::string& after) const
     {
         ASSERT_GT(images.size(), 2U);
         for (const Image& image : images) {
@@ -79,6 +91,7 @@ TEST_F(ConfigPowerCut, LeavesTheOldOrTheNewValue)
     EXPECT_TRUE(config.set("key", "old"));
     const auto images = imagesOf([&] { return config.set("key", "new"); });
     EXPECT_THAT(stepsOf(images), Contains("write, power goes"));
+    EXPECT_THAT(stepsOf(images), Contains("rename, name is lost"));
     expectOldOrNew(images, "old", "new");
 }
 
@@ -115,29 +128,30 @@ TEST_F(ConfigPowerCut, LeavesTheOldOrTheNewOfManyValues)
             const std::string value = valueIn(image.store);
             EXPECT_TRUE(value == before || value == after) << i << ' ' << image.step;
         }
-        ::setenv("BSP_BOARD_DIR", board.path().c_str(), 1);
     }
 }
 
-TEST_F(ConfigPowerCut, IsLikeAWriteThatFails)
+class FailingStep : public ConfigPowerCut, public testing::WithParamInterface<const char*>
+{};
+
+TEST_P(FailingStep, LeavesTheFormerStore)
 {
-    EXPECT_TRUE(config.set("key", "old"));
-    for (const char* step : {"write", "sync", "write through"}) {
-        disk.fail(step, EIO);
-        disk.watch(board);
-        EXPECT_FALSE(config.set("key", "new")) << step;
-        EXPECT_FALSE(config.clear("key")) << step;
-        disk.stop();
-        EXPECT_EQ(config.get("key"), "old") << step;
+    board.write("settings", "# text\nkey = old");
+    disk.fail(GetParam(), EIO);
+    disk.watch(board);
+    EXPECT_FALSE(config.set("key", "new"));
+    EXPECT_FALSE(config.clear("key"));
+    for (const Image& image : disk.stop()) {
+        EXPECT_THAT(valueIn(image.store), AnyOf("old", "new", "")) << image.step;
     }
+    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_EQ(readFile(board.file("settings")), "# text\nkey = old");
+    EXPECT_EQ(config.get("key"), "old");
     EXPECT_TRUE(config.set("key", "new"));
     EXPECT_EQ(config.get("key"), "new");
 }
 
-class FailingCreation : public ConfigPowerCut, public testing::WithParamInterface<const char*>
-{};
-
-TEST_P(FailingCreation, LeavesNothing)
+TEST_P(FailingStep, LeavesNoNewStore)
 {
     disk.fail(GetParam(), EIO);
     disk.watch(board);
@@ -146,12 +160,42 @@ TEST_P(FailingCreation, LeavesNothing)
     EXPECT_THAT(entries(), IsEmpty());
     EXPECT_EQ(config.get("key"), "");
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_THAT(entries(), ElementsAre("config.mdb"));
+    EXPECT_THAT(entries(), ElementsAre("settings"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, FailingCreation,
-                         testing::Values("resize", "write", "sync", "write through", "sync all",
-                                         "rename", "sync directory"));
+INSTANTIATE_TEST_SUITE_P(Steps, FailingStep,
+                         testing::Values("write", "sync", "rename", "sync directory"));
+
+TEST_F(ConfigPowerCut, LeavesWhatTheNextWriterCleansUp)
+{
+    board.write("settings.new", "half");
+    board.write("settings.lock", "");
+    EXPECT_TRUE(config.set("key", "value"));
+    EXPECT_THAT(entries(), ElementsAre("settings"));
+}
+
+TEST_F(ConfigPowerCut, FindsALockThatOnlyWritersCanOpen)
+{
+    board.write("settings", "");
+    for (const mode_t mode : {0644U, 0664U, 0666U, 0600U}) {
+        ASSERT_EQ(::chmod(board.file("settings").c_str(), mode), 0);
+        mode_t modeOfLock = 0;
+        disk.watch(board, [&] { modeOfLock = board.modeOf("settings.lock"); });
+        EXPECT_TRUE(config.set("key", "value"));
+        disk.stop();
+        EXPECT_EQ(modeOfLock, mode & 0222U);
+    }
+}
+
+TEST_F(ConfigPowerCut, FindsANewStoresLockThatOnlyItsMakerCanOpen)
+{
+    ::umask(022);
+    mode_t modeOfLock = 0;
+    disk.watch(board, [&] { modeOfLock = board.modeOf("settings.lock"); });
+    EXPECT_TRUE(config.set("key", "value"));
+    disk.stop();
+    EXPECT_EQ(modeOfLock, 0200U);
+}
 
 TEST_F(ConfigPowerCut, IsNoConcernOfADirectoryThatCannotBeSynchronised)
 {

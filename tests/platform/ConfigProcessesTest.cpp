@@ -151,64 +151,72 @@ TEST_F(ConfigProcesses, DoNotHoldTheLockOfAnotherThatEnded)
     }
 }
 
-/** Holds the lock of a file, while a process that sets the key is made to wait for it. */
-class LockHolder
+/** Takes the lock of those who write the store, as one of them. */
+int takeLock(const Board& board)
 {
-public:
-    explicit LockHolder(const std::string& path)
-        : m_fd(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
-    {
-        struct flock lock
-        {};
-        lock.l_type = F_WRLCK;
-        EXPECT_EQ(::fcntl(m_fd, F_SETLK, &lock), 0);
-        m_waiting = inProcess([] { return NxuConfig().set("key", "new"); });
-        // The kernel lists who waits for a lock behind an arrow.
-        const std::string waits = "-> POSIX  ADVISORY  WRITE " + std::to_string(m_waiting) + ' ';
-        while (testsupport::readFile("/proc/locks").find(waits) == std::string::npos) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
-    /** Lets the process go on. @return how it ends */
-    int release() const
-    {
-        ::close(m_fd);
-        return waitFor(m_waiting);
-    }
+    const std::string path = board.file("settings.lock");
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0200);
+    struct flock lock
+    {};
+    lock.l_type = F_WRLCK;
+    EXPECT_EQ(::fcntl(fd, F_SETLK, &lock), 0);
+    return fd;
+}
 
-private:
-    int m_fd;
-    pid_t m_waiting = -1;
-};
+/** Whether a process goes on for some time. */
+bool isWaiting(pid_t process)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    return ::waitpid(process, nullptr, WNOHANG) == 0;
+}
 
 TEST_F(ConfigProcesses, WriteToTheStoreThatTookThePlaceOfTheOneTheyWaitedFor)
 {
     EXPECT_TRUE(config.set("key", "old"));
-    std::filesystem::copy(board.file("config.mdb"), board.file("copy"));
-    const LockHolder holder(board.file("config.mdb"));
-    std::filesystem::rename(board.file("copy"), board.file("config.mdb"));
-    EXPECT_EQ(holder.release(), 0);
-    EXPECT_EQ(config.get("key"), "new");
-}
-
-TEST_F(ConfigProcesses, MakeTheStoreWhenTheOneThatBeganGivesUp)
-{
-    const LockHolder holder(board.file("config.mdb.new"));
-    std::filesystem::remove(board.file("config.mdb.new"));
-    EXPECT_EQ(holder.release(), 0);
-    EXPECT_EQ(config.get("key"), "new");
-}
-
-TEST_F(ConfigProcesses, WriteToTheStoreThatTheOneThatBeganMade)
-{
-    EXPECT_TRUE(config.set("other", "value"));
-    std::filesystem::rename(board.file("config.mdb"), board.file("config.mdb.new"));
-    const LockHolder holder(board.file("config.mdb.new"));
-    std::filesystem::rename(board.file("config.mdb.new"), board.file("config.mdb"));
-    EXPECT_EQ(holder.release(), 0);
+    const int lock = takeLock(board);
+    const pid_t writer = inProcess([] { return NxuConfig().set("key", "new"); });
+    EXPECT_TRUE(isWaiting(writer));
+    EXPECT_EQ(config.get("key"), "old");
+    board.write("another", "other=value\n");
+    std::filesystem::rename(board.file("another"), board.file("settings"));
+    ::close(lock);
+    EXPECT_EQ(waitFor(writer), 0);
     EXPECT_EQ(config.get("key"), "new");
     EXPECT_EQ(config.get("other"), "value");
-    EXPECT_FALSE(board.has("config.mdb.new"));
+    EXPECT_FALSE(board.has("settings.lock"));
+}
+
+TEST_F(ConfigProcesses, WriteWhenTheOneTheyWaitedForIsDone)
+{
+    const int lock = takeLock(board);
+    const pid_t writer = inProcess([] { return NxuConfig().set("key", "new"); });
+    EXPECT_TRUE(isWaiting(writer));
+    // The others go on with a lock of another file.
+    std::filesystem::remove(board.file("settings.lock"));
+    EXPECT_EQ(waitFor(writer), 0);
+    ::close(lock);
+    EXPECT_EQ(config.get("key"), "new");
+}
+
+TEST_F(ConfigProcesses, DoNotWaitForEver)
+{
+    EXPECT_TRUE(config.set("key", "old"));
+    const int lock = takeLock(board);
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t writer = inProcess([] {
+        NxuConfig own;
+        std::thread thread([&] { own.set("key", "thread"); });
+        const bool isSet = own.set("key", "new");
+        thread.join();
+        return isSet;
+    });
+    EXPECT_EQ(waitFor(writer), 1);
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::seconds(10));
+    EXPECT_LT(waited, std::chrono::seconds(20));
+    EXPECT_EQ(config.get("key"), "old");
+    ::close(lock);
+    EXPECT_TRUE(config.set("key", "new"));
 }
 
 TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
@@ -230,8 +238,9 @@ TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
         for (int i = 0; i < 12; ++i) {
             EXPECT_EQ(config.get("key " + std::to_string(i)), valueOf(i));
         }
-        EXPECT_FALSE(board.has("config.mdb.new"));
-        std::filesystem::remove(board.file("config.mdb"));
+        EXPECT_FALSE(board.has("settings.new"));
+        EXPECT_FALSE(board.has("settings.lock"));
+        std::filesystem::remove(board.file("settings"));
     }
 }
 
@@ -283,7 +292,7 @@ TEST_F(ConfigProcesses, KilledAtAnyMomentLeaveTheOldOrTheNewValue)
     for (int round = 0; round < 120; ++round) {
         if (round % 3 == 0) {
             // From time to time the store itself is to be made.
-            std::filesystem::remove(board.file("config.mdb"));
+            std::filesystem::remove(board.file("settings"));
         }
         const int old = numberOf(config.get("key"));
         const Shared<Progress> progress;
@@ -307,7 +316,8 @@ TEST_F(ConfigProcesses, KilledAtAnyMomentLeaveTheOldOrTheNewValue)
         EXPECT_TRUE(value == before || value == begun) << before << " " << begun << " " << value;
         interrupted += begun != done ? 1 : 0;
         EXPECT_TRUE(config.set("other", "value"));
-        EXPECT_FALSE(board.has("config.mdb.new"));
+        EXPECT_FALSE(board.has("settings.new"));
+        EXPECT_FALSE(board.has("settings.lock"));
     }
     EXPECT_GT(interrupted, 20);
 }

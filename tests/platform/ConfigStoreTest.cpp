@@ -1,8 +1,11 @@
 #include "Board.h"
 #include "NxuConfig.h"
+#include "Program.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
 #include <set>
 #include <thread>
 
@@ -17,6 +20,7 @@ using os::bsp::NxuConfig;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testsupport::Board;
+using testsupport::readFile;
 
 class ConfigStore : public testing::Test
 {
@@ -64,7 +68,7 @@ TEST_F(ConfigStore, IsNotMadeByClearing)
 TEST_F(ConfigStore, IsMadeByTheFirstSetAsOneFile)
 {
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_THAT(entries(), ElementsAre("config.mdb"));
+    EXPECT_THAT(entries(), ElementsAre("settings"));
     EXPECT_EQ(config.get("key"), "value");
 }
 
@@ -72,7 +76,7 @@ TEST_F(ConfigStore, IsMadeAsTheUserWantsNewFiles)
 {
     ::umask(027);
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_EQ(std::filesystem::status(board.file("config.mdb")).permissions(),
+    EXPECT_EQ(std::filesystem::status(board.file("settings")).permissions(),
               std::filesystem::perms(0640));
 }
 
@@ -105,11 +109,68 @@ TEST_F(ConfigStore, ForgetsAKeyThatIsCleared)
 
 TEST_F(ConfigStore, KeepsKeysAndValuesOfAnyBytes)
 {
-    const std::string odd("\0a\xFF\n\0", 5);
+    const std::string odd("\0a\xFF\n= \0 ", 8);
     EXPECT_TRUE(config.set(odd, odd));
     EXPECT_TRUE(config.set(odd.substr(0, 4), "shorter"));
     EXPECT_EQ(config.get(odd), odd);
     EXPECT_EQ(config.get(odd.substr(0, 4)), "shorter");
+}
+
+TEST_F(ConfigStore, IsATextThatPeopleCanReadAndWrite)
+{
+    board.write("settings", "# on the roof\n\n RadiolinkMode = Rl4 \n#end");
+    EXPECT_EQ(config.get("RadiolinkMode"), "Rl4");
+    EXPECT_TRUE(config.set("RadiolinkMode", "Rl5"));
+    EXPECT_TRUE(config.set("a=b", " 1\n"));
+    EXPECT_EQ(readFile(board.file("settings")),
+              "# on the roof\n\nRadiolinkMode=Rl5\n#end\na\\x3Db=\\x201\\n\n");
+    EXPECT_TRUE(config.clear("RadiolinkMode"));
+    EXPECT_EQ(readFile(board.file("settings")), "# on the roof\n\n#end\na\\x3Db=\\x201\\n\n");
+}
+
+TEST_F(ConfigStore, KeepsItsModeAndOwner)
+{
+    board.write("settings", "");
+    const std::string file = board.file("settings");
+    ASSERT_EQ(::chmod(file.c_str(), 0604), 0);
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(file.c_str(), 1234, 4321), 0);
+    }
+    struct stat before
+    {};
+    ASSERT_EQ(::stat(file.c_str(), &before), 0);
+    EXPECT_TRUE(config.set("key", "value"));
+    struct stat after
+    {};
+    ASSERT_EQ(::stat(file.c_str(), &after), 0);
+    EXPECT_NE(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_EQ(after.st_gid, before.st_gid);
+}
+
+TEST_F(ConfigStore, IsReadAgainWhenItWasEditedInPlace)
+{
+    for (int i = 0; i < 200; ++i) {
+        // Of the same size, often with the same times.
+        const std::string value = std::to_string(100 + i);
+        board.write("settings", "key=" + value);
+        ASSERT_EQ(config.get("key"), value);
+    }
+}
+
+TEST_F(ConfigStore, IsReadAgainWhenItsTimesWereSetBack)
+{
+    const std::string file = board.file("settings");
+    const timespec times[] = {{1000000000, 1}, {1000000000, 1}};
+    board.write("settings", "key=1");
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(config.get("key"), "1");
+    EXPECT_EQ(config.get("key"), "1");
+    board.write("settings", "key=2");
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    EXPECT_EQ(config.get("key"), "2");
 }
 
 TEST_F(ConfigStore, KeepsAnEmptyValue)
@@ -145,32 +206,37 @@ TEST_F(ConfigStore, TakesValuesUpToItsSize)
     EXPECT_EQ(config.get("key"), large);
     EXPECT_FALSE(config.set("other", std::string(1024 * 1024, 'v')));
     EXPECT_FALSE(config.set("key", std::string(1024 * 1024, 'v')));
+    EXPECT_FALSE(config.set("key", std::string(400000, '\0')));
     EXPECT_EQ(config.get("other"), "");
     EXPECT_EQ(config.get("key"), large);
     EXPECT_TRUE(config.set("other", "small"));
+    EXPECT_TRUE(config.clear("other"));
+    const std::string largest(1024 * 1024 - 5, 'v');
+    EXPECT_TRUE(config.set("key", largest));
+    EXPECT_EQ(config.get("key"), largest);
+    EXPECT_FALSE(config.set("key", largest + 'v'));
+    EXPECT_EQ(config.get("key"), largest);
 }
 
 TEST_F(ConfigStore, DoesNotFillUpWithOldValues)
 {
-    for (int i = 0; i < 600; ++i) {
+    for (int i = 0; i < 50; ++i) {
         ASSERT_TRUE(config.set("key", std::string(2000, 'v') + std::to_string(i))) << i;
     }
-    EXPECT_EQ(config.get("key"), std::string(2000, 'v') + "599");
-    struct stat status
-    {};
-    ASSERT_EQ(::stat(board.file("config.mdb").c_str(), &status), 0);
-    EXPECT_LT(status.st_blocks * 512, 100000);
+    EXPECT_EQ(config.get("key"), std::string(2000, 'v') + "49");
+    EXPECT_EQ(std::filesystem::file_size(board.file("settings")), 2007U);
+    EXPECT_THAT(entries(), ElementsAre("settings"));
 }
 
 TEST_F(ConfigStore, IsNoticedWhenAnotherTakesItsPlace)
 {
     EXPECT_TRUE(config.set("key", "old"));
-    std::filesystem::remove(board.file("config.mdb"));
+    std::filesystem::remove(board.file("settings"));
     EXPECT_EQ(config.get("key"), "");
     EXPECT_TRUE(config.set("key", "new"));
-    std::filesystem::copy(board.file("config.mdb"), board.file("copy"));
+    std::filesystem::copy(board.file("settings"), board.file("copy"));
     EXPECT_TRUE(config.set("key", "newer"));
-    std::filesystem::rename(board.file("copy"), board.file("config.mdb"));
+    std::filesystem::rename(board.file("copy"), board.file("settings"));
     EXPECT_EQ(config.get("key"), "new");
 }
 
@@ -187,15 +253,15 @@ TEST_F(ConfigStore, IsTheBoardsThatIsAskedFor)
 TEST_F(ConfigStore, CanBeALinkToAStore)
 {
     EXPECT_TRUE(config.set("key", "value"));
-    std::filesystem::rename(board.file("config.mdb"), board.file("elsewhere"));
-    ASSERT_EQ(::symlink("elsewhere", board.file("config.mdb").c_str()), 0);
+    std::filesystem::rename(board.file("settings"), board.file("elsewhere"));
+    ASSERT_EQ(::symlink("elsewhere", board.file("settings").c_str()), 0);
     EXPECT_EQ(config.get("key"), "value");
     EXPECT_TRUE(config.set("key", "other"));
     EXPECT_EQ(config.get("key"), "other");
-    EXPECT_THAT(entries(), ElementsAre("config.mdb", "elsewhere"));
+    EXPECT_THAT(entries(), ElementsAre("elsewhere", "settings"));
 }
 
-TEST_F(ConfigStore, IsOpenOnceForManyObjectsAndThreads)
+TEST_F(ConfigStore, IsForManyObjectsAndThreads)
 {
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(config.get("key"), "value");
@@ -223,20 +289,44 @@ TEST_F(ConfigStore, IsOpenOnceForManyObjectsAndThreads)
     EXPECT_EQ(config.get("key 3"), "");
 }
 
-TEST_F(ConfigStore, IsNotForTheProgramsThatThisProcessStarts)
+TEST_F(ConfigStore, IsNotOpenBetweenCalls)
 {
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(config.get("key"), "value");
-    int descriptors = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code error;
-        if (std::filesystem::read_symlink(entry, error) == board.file("config.mdb")) {
-            ++descriptors;
-            const int fd = std::stoi(entry.path().filename());
-            EXPECT_EQ(::fcntl(fd, F_GETFD), FD_CLOEXEC) << fd;
-        }
+        std::error_code gone;
+        const std::string target = std::filesystem::read_symlink(entry, gone).string();
+        EXPECT_NE(target.rfind(board.path().string(), 0), 0U) << target;
     }
-    EXPECT_GT(descriptors, 0);
+}
+
+TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    const pid_t process = ::fork();
+    if (process == 0) {
+        for (int fd = 0; fd <= STDERR_FILENO; ++fd) {
+            ::close(fd);
+        }
+        std::atomic<bool> done{false};
+        std::thread printer([&] {
+            while (!done) {
+                for (int fd = 0; fd <= STDERR_FILENO; ++fd) {
+                    [[maybe_unused]] const ssize_t size = ::write(fd, "printed", 7);
+                }
+            }
+        });
+        bool isFine = true;
+        for (int i = 0; i < 50; ++i) {
+            const std::string value = std::to_string(i);
+            isFine = config.set("key", value) && config.get("key") == value && isFine;
+        }
+        done = true;
+        printer.join();
+        ::_exit(isFine ? 0 : 1);
+    }
+    EXPECT_EQ(testsupport::waitFor(process), 0);
+    EXPECT_EQ(readFile(board.file("settings")), "key=49\n");
 }
 
 } // namespace

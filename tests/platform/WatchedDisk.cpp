@@ -1,12 +1,9 @@
 #include "WatchedDisk.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 namespace testsupport
@@ -33,11 +30,6 @@ bool isDirectory(int fd)
     return std::filesystem::is_directory(pathOf(fd));
 }
 
-bool writesThrough(int fd)
-{
-    return (::fcntl(fd, F_GETFL) & O_DSYNC) != 0;
-}
-
 } // namespace
 
 WatchedDisk& WatchedDisk::instance()
@@ -46,13 +38,16 @@ WatchedDisk& WatchedDisk::instance()
     return disk;
 }
 
-void WatchedDisk::watch(const Board& board)
+void WatchedDisk::watch(const Board& board, std::function<void()> atEachStep)
 {
-    m_path = board.file("config.mdb");
-    m_nameIsSafe = board.has("config.mdb");
-    if (m_nameIsSafe) {
+    m_path = board.file("settings");
+    m_atEachStep = std::move(atEachStep);
+    m_nameIsSafe = true;
+    m_safe.clear();
+    if (board.has("settings")) {
         m_safe[inodeOf(m_path)] = readFile(m_path);
     }
+    m_named = safeContents();
     m_watching = true;
 }
 
@@ -77,51 +72,58 @@ bool WatchedDisk::permits(const std::string& step) const
     return false;
 }
 
-void WatchedDisk::wrote(int fd, const std::string& step, const std::string& data, off_t offset)
+void WatchedDisk::wrote(int fd)
 {
-    if (!m_watching) {
-        return;
-    }
-    if (writesThrough(fd)) {
-        std::string& safe = m_safe[inodeOf(pathOf(fd))];
-        safe.resize(std::max(safe.size(), static_cast<std::size_t>(offset) + data.size()));
-        safe.replace(static_cast<std::size_t>(offset), data.size(), data);
-    }
-    takeImages(step);
-}
-
-void WatchedDisk::changed(const std::string& step)
-{
-    if (m_watching) {
-        takeImages(step);
+    if (m_watching && std::filesystem::is_regular_file(pathOf(fd))) {
+        const std::string contents = readFile(pathOf(fd));
+        m_safe[inodeOf(pathOf(fd))] = contents.substr(0, contents.size() / 2);
+        takeImages("write");
     }
 }
 
-void WatchedDisk::synchronised(int fd, const std::string& step)
+void WatchedDisk::synchronised(int fd)
 {
     if (!m_watching) {
         return;
     }
     if (isDirectory(fd)) {
         m_nameIsSafe = true;
+        m_named = safeContents();
+        takeImages("sync directory");
     } else {
         m_safe[inodeOf(pathOf(fd))] = readFile(pathOf(fd));
+        takeImages("sync");
     }
-    takeImages(step);
+}
+
+void WatchedDisk::renamed()
+{
+    if (m_watching) {
+        m_nameIsSafe = false;
+        takeImages("rename");
+    }
+}
+
+/** What a power cut leaves of the file that has the store's name now. */
+std::optional<std::string> WatchedDisk::safeContents() const
+{
+    if (!std::filesystem::exists(m_path)) {
+        return std::nullopt;
+    }
+    return m_safe.at(inodeOf(m_path));
 }
 
 /** What is left when only the process ends now, and what when the power goes. */
 void WatchedDisk::takeImages(const std::string& step)
 {
-    if (!std::filesystem::exists(m_path)) {
-        m_images.push_back({step, std::nullopt});
-        return;
-    }
-    m_images.push_back({step + ", process ends", readFile(m_path)});
-    m_images.push_back({step + ", power goes", m_safe[inodeOf(m_path)]});
+    const bool exists = std::filesystem::exists(m_path);
+    m_images.push_back(
+        {step + ", process ends", exists ? std::optional(readFile(m_path)) : std::nullopt});
+    m_images.push_back({step + ", power goes", safeContents()});
     if (!m_nameIsSafe) {
-        m_images.push_back({step + ", name is lost", std::nullopt});
+        m_images.push_back({step + ", name is lost", m_named});
     }
+    m_atEachStep();
 }
 
 namespace
@@ -132,108 +134,47 @@ WatchedDisk& disk()
     return WatchedDisk::instance();
 }
 
-const char* nameOfWrite(int fd)
-{
-    return writesThrough(fd) ? "write through" : "write";
-}
-
-std::string bytesOf(const void* data, std::size_t size)
-{
-    return {static_cast<const char*>(data), size};
-}
-
 } // namespace
 
-// The names with 64 are the ones of large files; the others take a long.
 extern "C"
 {
-    ssize_t __real_pwrite64(int fd, const void* data, size_t size, off64_t offset);
-    ssize_t __real_writev(int fd, const iovec* pieces, int count);
-    int __real_fdatasync(int fd);
+    ssize_t __real_write(int fd, const void* data, size_t size);
     int __real_fsync(int fd);
-    int __real_rename(const char* from, const char* to);
-    int __real_ftruncate64(int fd, off64_t size);
+    int __real_renameat(int fromDirectory, const char* from, int toDirectory, const char* to);
 
-    ssize_t __wrap_pwrite(int fd, const void* data, size_t size, long offset);
-    ssize_t __wrap_pwrite64(int fd, const void* data, size_t size, off64_t offset);
-    ssize_t __wrap_writev(int fd, const iovec* pieces, int count);
-    int __wrap_fdatasync(int fd);
+    ssize_t __wrap_write(int fd, const void* data, size_t size);
     int __wrap_fsync(int fd);
-    int __wrap_rename(const char* from, const char* to);
-    int __wrap_ftruncate(int fd, long size);
-    int __wrap_ftruncate64(int fd, off64_t size);
+    int __wrap_renameat(int fromDirectory, const char* from, int toDirectory, const char* to);
 }
 
-ssize_t __wrap_pwrite64(int fd, const void* data, size_t size, off64_t offset)
-{
-    const std::string step = nameOfWrite(fd);
-    if (!disk().permits(step)) {
-        return -1;
-    }
-    const ssize_t result = __real_pwrite64(fd, data, size, offset);
-    disk().wrote(fd, step, bytesOf(data, size), static_cast<off_t>(offset));
-    return result;
-}
-
-ssize_t __wrap_pwrite(int fd, const void* data, size_t size, long offset)
-{
-    return __wrap_pwrite64(fd, data, size, offset);
-}
-
-ssize_t __wrap_writev(int fd, const iovec* pieces, int count)
+ssize_t __wrap_write(int fd, const void* data, size_t size)
 {
     if (!disk().permits("write")) {
         return -1;
     }
-    const ssize_t result = __real_writev(fd, pieces, count);
-    disk().changed("write");
-    return result;
-}
-
-int __wrap_fdatasync(int fd)
-{
-    if (!disk().permits("sync")) {
-        return -1;
-    }
-    const int result = __real_fdatasync(fd);
-    disk().synchronised(fd, "sync");
+    const ssize_t result = __real_write(fd, data, size);
+    disk().wrote(fd);
     return result;
 }
 
 int __wrap_fsync(int fd)
 {
-    const std::string step = isDirectory(fd) ? "sync directory" : "sync all";
-    if (!disk().permits(step)) {
+    if (!disk().permits(isDirectory(fd) ? "sync directory" : "sync")) {
         return -1;
     }
     const int result = __real_fsync(fd);
-    disk().synchronised(fd, step);
+    disk().synchronised(fd);
     return result;
 }
 
-int __wrap_rename(const char* from, const char* to)
+int __wrap_renameat(int fromDirectory, const char* from, int toDirectory, const char* to)
 {
     if (!disk().permits("rename")) {
         return -1;
     }
-    const int result = __real_rename(from, to);
-    disk().changed("rename");
+    const int result = __real_renameat(fromDirectory, from, toDirectory, to);
+    disk().renamed();
     return result;
-}
-
-int __wrap_ftruncate64(int fd, off64_t size)
-{
-    if (!disk().permits("resize")) {
-        return -1;
-    }
-    const int result = __real_ftruncate64(fd, size);
-    disk().changed("resize");
-    return result;
-}
-
-int __wrap_ftruncate(int fd, long size)
-{
-    return __wrap_ftruncate64(fd, size);
 }
 
 } // namespace testsupport

@@ -24,7 +24,7 @@ public:
     std::filesystem::path dtcm() const { return m_directory / "top.dtcm0"; }
     /** The system control registers; the first is the cause of the last restart. */
     std::filesystem::path registers() const { return m_directory / "top.sys_ctrl0"; }
-    std::filesystem::path store() const { return m_directory / "config.mdb"; }
+    std::filesystem::path store() const { return m_directory / "settings"; }
     /** What a program on the board sees as /dev/shm. */
     std::filesystem::path sharedMemory() const { return m_directory / "shm"; }
     /** What a program on the board sees as /tmp. */

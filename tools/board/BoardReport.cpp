@@ -2,18 +2,16 @@
 
 #include "Bsp.h"
 #include "Failure.h"
-#include "FileLock.h"
 #include "Files.h"
 #include "HardwareCode.h"
 #include "Led.h"
-#include "StoreFile.h"
+#include "SettingsFile.h"
 #include "Text.h"
 #include "WarmArea.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <iomanip>
-#include <map>
 
 namespace
 {
@@ -91,21 +89,17 @@ void reportRestart(std::ostream& out, const Board& board)
     write(out, "Cold marker", fs::exists(board.coldMarker(), ignored) ? "present" : "absent");
 }
 
-std::map<std::string, std::string> storeEntries(const fs::path& path)
+settings::Entries storeEntries(const fs::path& path)
 {
-    const auto store = nxuconfig::StoreFile::open(path, nxuconfig::LmdbFile::Access::Read);
-    if (!store) {
-        return {};
-    }
-    const nxuconfig::FileLock lock(store->fd());
-    return store->database().entries();
+    const auto contents = settings::read(path);
+    return contents ? contents->entries : settings::Entries{};
 }
 
 void reportStore(std::ostream& out, const Board& board)
 {
     std::string subject = "Store";
     try {
-        const std::map<std::string, std::string> entries = storeEntries(board.store());
+        const settings::Entries entries = storeEntries(board.store());
         if (entries.empty()) {
             write(out, subject, "empty");
         }

@@ -1,116 +1,123 @@
 #include "ConfigStore.h"
 #include "BoardDirectory.h"
-#include "FileLock.h"
-#include "StoreCreation.h"
+#include "ConfigTrace.h"
+#include "GtMessage.h"
+#include "SettingsChange.h"
 
 #include <atomic>
+#include <memory>
+#include <stdexcept>
 
-#include <unistd.h>
+#include <pthread.h>
 
 namespace nxuconfig
 {
 
+namespace
+{
+
+using settings::SettingsText;
+
+/** How long a change waits for those of others. */
+constexpr std::chrono::seconds Patience(10);
+
+std::atomic<ConfigStore*> current{nullptr};
+
+// The mutexes of a forked process may be those of threads that it has not got.
+[[maybe_unused]] const int forkHandler =
+    ::pthread_atfork(nullptr, nullptr, [] { current = nullptr; });
+
+/** Does the work on the store's file; its failures name the file. */
+template <typename Work> auto guarded(const char* purpose, const Work& work)
+{
+    const std::string path = boarddirectory::entryPath("settings");
+    try {
+        return work(path);
+    } catch (const std::exception& error) {
+        throw std::runtime_error(std::string("cannot ") + purpose + " the configuration store " +
+                                 path + ": " + error.what());
+    }
+}
+
+} // namespace
+
 ConfigStore& ConfigStore::instance()
 {
-    static std::atomic<ConfigStore*> current{nullptr};
     ConfigStore* store = current.load();
-    while (store == nullptr || store->m_process != ::getpid()) {
-        auto* const own = new ConfigStore;
-        if (current.compare_exchange_strong(store, own)) {
-            if (store != nullptr) {
-                store->giveUp();
-            }
-            return *own;
+    if (store == nullptr) {
+        std::unique_ptr<ConfigStore> made(new ConfigStore);
+        if (current.compare_exchange_strong(store, made.get())) {
+            store = made.release();
         }
-        delete own;
     }
     return *store;
 }
 
-ConfigStore::ConfigStore() : m_process(::getpid()) {}
-
-/** Closes what a fork copied, unless another thread was in the middle of using it. */
-void ConfigStore::giveUp()
-{
-    const std::unique_lock<std::mutex> lock(m_mutex, std::try_to_lock);
-    if (lock.owns_lock()) {
-        m_file.reset();
-    }
-}
-
 std::optional<std::string> ConfigStore::get(const std::string& key)
 {
-    std::optional<std::string> value;
-    guarded("read", [&](const std::string& path) {
-        withDatabase(path, LmdbFile::Access::Read,
-                     [&](LmdbFile& database) { value = database.read(key); });
-    });
-    return value;
+    return guarded("read", [&](const std::string& path) { return lookUp(path, key); });
 }
 
 void ConfigStore::set(const std::string& key, const std::string& value)
 {
     guarded("write", [&](const std::string& path) {
-        const Work write = [&](LmdbFile& database) { database.write(key, value); };
-        while (!withDatabase(path, LmdbFile::Access::ReadWrite, write) &&
-               !createStore(path, key, value)) {
-        }
+        change(path, [&](SettingsText& text) { text.set(key, value); });
     });
 }
 
 void ConfigStore::clear(const std::string& key)
 {
     guarded("write", [&](const std::string& path) {
-        bool present = false;
-        withDatabase(path, LmdbFile::Access::Read,
-                     [&](LmdbFile& database) { present = database.read(key).has_value(); });
-        if (present) {
-            withDatabase(path, LmdbFile::Access::ReadWrite,
-                         [&](LmdbFile& database) { database.write(key, std::nullopt); });
+        if (lookUp(path, key)) {
+            change(path, [&](SettingsText& text) { text.clear(key); });
         }
     });
 }
 
-/** Does the work on the locked store; false when there is none. */
-bool ConfigStore::withDatabase(const std::string& path, LmdbFile::Access needed, const Work& work)
+/** Reads the file unless it is the one that was read last. */
+std::optional<std::string> ConfigStore::lookUp(const std::string& path, const std::string& key)
 {
-    while (prepare(path, needed)) {
-        const FileLock lock(m_file->fd());
-        if (leadsTo(path, m_file->fd())) {
-            work(m_file->database());
-            return true;
-        }
+    const std::lock_guard<std::mutex> guard(m_reading);
+    turnTo(path);
+    const bool isKnown =
+        m_contents && m_contents->isSettled && settings::stateOf(path) == m_contents->state;
+    if (!isKnown) {
+        m_contents.reset();
+        m_contents = settings::read(path);
     }
-    return false;
+    if (!m_contents) {
+        return std::nullopt;
+    }
+    const auto found = m_contents->entries.find(key);
+    return found == m_contents->entries.end() ? std::nullopt : std::optional(found->second);
 }
 
-/** Has the store that is now at the path open; false when there is none. */
-bool ConfigStore::prepare(const std::string& path, LmdbFile::Access needed)
+/** Forgets what was read from another file; m_reading is held. */
+void ConfigStore::turnTo(const std::string& path)
 {
-    const bool writable = needed == LmdbFile::Access::ReadWrite;
-    if (m_file && (!leadsTo(path, m_file->fd()) || (writable && !m_file->isWritable()))) {
-        m_file.reset();
+    if (path != m_path) {
+        TRACE_PRINTF(configTrace, trace::Information, "the settings are those of %s", path.c_str());
+        m_path = path;
+        m_contents.reset();
     }
-    if (!m_file) {
-        m_file = StoreFile::open(path, needed);
-    }
-    return m_file != nullptr;
 }
 
-/** Does the work as the process's only thread; its failures name the file. */
-void ConfigStore::guarded(const char* purpose,
-                          const std::function<void(const std::string& path)>& work)
+/** Changes the file as the process's only thread. */
+void ConfigStore::change(const std::string& path, const std::function<void(SettingsText&)>& edit)
 {
-    const std::string path = boarddirectory::entryPath("config.mdb");
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    try {
-        work(path);
-    } catch (const std::exception& error) {
-        // After some failures a database refuses all further work.
-        m_file.reset();
-        throw std::runtime_error(std::string("cannot ") + purpose + " the configuration store " +
-                                 path + ": " + error.what());
+    {
+        const std::lock_guard<std::mutex> guard(m_reading);
+        turnTo(path);
     }
+    const settings::Deadline deadline(Patience);
+    std::unique_lock<std::mutex> guard(m_writing, std::try_to_lock);
+    while (!guard.owns_lock() && deadline.wait()) {
+        guard.try_lock();
+    }
+    if (!guard.owns_lock()) {
+        throw std::runtime_error("another thread is writing");
+    }
+    settings::change(path, edit, deadline);
 }
 
 } // namespace nxuconfig

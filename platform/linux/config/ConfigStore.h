@@ -1,15 +1,13 @@
 #ifndef PLATFORM_LINUX_CONFIG_CONFIGSTORE_H
 #define PLATFORM_LINUX_CONFIG_CONFIGSTORE_H
 
-#include "StoreFile.h"
+#include "SettingsFile.h"
+#include "SettingsText.h"
 
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-
-#include <sys/types.h>
 
 namespace nxuconfig
 {
@@ -17,8 +15,8 @@ namespace nxuconfig
 /**
  * The board's key/value store, as this process sees it.
  *
- * One for each process, which all threads share. Where the board is, and whether its store is
- * still the same file, is looked up by each operation.
+ * One for each process, which all threads share. Where the board is, and whether its settings are
+ * still those that were read, is looked up by each operation.
  */
 class ConfigStore
 {
@@ -34,17 +32,15 @@ public:
     void clear(const std::string& key);
 
 private:
-    using Work = std::function<void(LmdbFile&)>;
+    ConfigStore() = default;
+    std::optional<std::string> lookUp(const std::string& path, const std::string& key);
+    void turnTo(const std::string& path);
+    void change(const std::string& path, const std::function<void(settings::SettingsText&)>& edit);
 
-    ConfigStore();
-    void giveUp();
-    bool withDatabase(const std::string& path, LmdbFile::Access needed, const Work& work);
-    bool prepare(const std::string& path, LmdbFile::Access needed);
-    void guarded(const char* purpose, const std::function<void(const std::string& path)>& work);
-
-    const pid_t m_process;
-    std::mutex m_mutex;
-    std::unique_ptr<StoreFile> m_file; /**< The store as last used; guarded by m_mutex. */
+    std::mutex m_reading; /**< Guards what follows. */
+    std::string m_path;
+    std::optional<settings::Contents> m_contents; /**< What was read last, from m_path. */
+    std::mutex m_writing;                         /**< Held by the thread that changes the file. */
 };
 
 } // namespace nxuconfig

@@ -1,0 +1,99 @@
+#include "WriterLock.h"
+#include "OpenFile.h"
+
+#include <cerrno>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace settings
+{
+
+namespace
+{
+
+constexpr mode_t Writable = S_IWUSR | S_IWGRP | S_IWOTH;
+
+} // namespace
+
+WriterLock::WriterLock(int directory, const std::string& name,
+                       const std::optional<struct stat>& status, const Deadline& deadline)
+    : m_directory(directory), m_name(name + ".lock")
+{
+    while (!tryToLock(status)) {
+        if (!deadline.wait()) {
+            throw std::runtime_error("another process holds " + m_name);
+        }
+    }
+}
+
+WriterLock::~WriterLock()
+{
+    ::unlinkat(m_directory, m_name.c_str(), 0);
+}
+
+/** False when another has it, or had it until now. */
+bool WriterLock::tryToLock(const std::optional<struct stat>& status)
+{
+    FileDescriptor file = open();
+    if (!file.isOpen() && errno == ENOENT) {
+        file = make(status);
+    }
+    if (!file.isOpen()) {
+        // Of another user it may be not yet ours to open, too; it is gone when he is done.
+        if (errno == EACCES || errno == EEXIST || errno == ENOENT) {
+            return false;
+        }
+        throw std::system_error(errno, std::generic_category(), "cannot open " + m_name);
+    }
+    // This kind of lock, unlike those of open files, is not inherited by forked processes.
+    struct flock lock
+    {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    if (::fcntl(file.get(), F_SETLK, &lock) != 0) {
+        if (errno == EACCES || errno == EAGAIN || errno == EINTR) {
+            return false;
+        }
+        throw std::system_error(errno, std::generic_category(), "cannot lock " + m_name);
+    }
+    if (!leadsTo(file)) {
+        return false;
+    }
+    m_file = std::move(file);
+    return true;
+}
+
+FileDescriptor WriterLock::open() const
+{
+    return openFileAt(m_directory, m_name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+}
+
+/** Makes it so that those can open it, for writing only, who can write the file. */
+FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
+{
+    FileDescriptor file =
+        openFileAt(m_directory, m_name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, Writable);
+    if (!file.isOpen() && errno != EEXIST) {
+        throw std::system_error(errno, std::generic_category(), "cannot make " + m_name);
+    }
+    if (file.isOpen() && status) {
+        // Who may not do so either can do without.
+        [[maybe_unused]] const int owned = ::fchown(file.get(), status->st_uid, status->st_gid);
+        ::fchmod(file.get(), (status->st_mode & Writable) | S_IWUSR);
+    }
+    return file;
+}
+
+bool WriterLock::leadsTo(const FileDescriptor& file) const
+{
+    struct stat named
+    {};
+    struct stat open
+    {};
+    return ::fstatat(m_directory, m_name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           ::fstat(file.get(), &open) == 0 && named.st_dev == open.st_dev &&
+           named.st_ino == open.st_ino;
+}
+
+} // namespace settings
