@@ -4,9 +4,33 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <functional>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+
+namespace
+{
+
+std::function<void()> beforeLock = [] {};
+
+} // namespace
+
+// The name is the one of large files.
+extern "C"
+{
+    int __real_fcntl64(int fd, int command, void* argument);
+    int __wrap_fcntl64(int fd, int command, void* argument);
+}
+
+int __wrap_fcntl64(int fd, int command, void* argument)
+{
+    if (command == F_SETLK) {
+        beforeLock();
+    }
+    return __real_fcntl64(fd, command, argument);
+}
 
 namespace
 {
@@ -16,6 +40,7 @@ using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 using testsupport::Board;
 using testsupport::Image;
 using testsupport::readFile;
@@ -185,6 +210,32 @@ TEST_F(ConfigPowerCut, FindsALockThatOnlyWritersCanOpen)
         disk.stop();
         EXPECT_EQ(modeOfLock, mode & 0222U);
     }
+}
+
+TEST_F(ConfigPowerCut, TakesNoLockThatIsWorthNothingByNow)
+{
+    int locks = 0;
+    beforeLock = [&] {
+        // Whoever had it has ended, and the next one has begun.
+        if (++locks == 1) {
+            std::filesystem::remove(board.file("settings.lock"));
+            board.write("settings.lock", "");
+        }
+    };
+    EXPECT_TRUE(config.set("key", "value"));
+    EXPECT_EQ(locks, 2);
+    EXPECT_THAT(entries(), ElementsAre("settings"));
+}
+
+TEST_F(ConfigPowerCut, LeavesALockThatIsAnothersByNow)
+{
+    disk.watch(board, [&] {
+        std::filesystem::remove(board.file("settings.lock"));
+        board.write("settings.lock", "another's");
+    });
+    EXPECT_TRUE(config.set("key", "value"));
+    disk.stop();
+    EXPECT_THAT(entries(), UnorderedElementsAre("settings", "settings.lock"));
 }
 
 TEST_F(ConfigPowerCut, FindsANewStoresLockThatOnlyItsMakerCanOpen)

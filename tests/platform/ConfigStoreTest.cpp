@@ -1,6 +1,7 @@
 #include "Board.h"
 #include "NxuConfig.h"
 #include "Program.h"
+#include "SettingsFile.h"
 
 #include <gmock/gmock.h>
 
@@ -12,6 +13,36 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace
+{
+
+std::atomic<int> filesOpened{0};
+std::atomic<std::time_t> secondsBehind{0};
+
+} // namespace
+
+// The name is the one of large files.
+extern "C"
+{
+    int __real_openat64(int directory, const char* path, int flags, mode_t mode);
+    int __wrap_openat64(int directory, const char* path, int flags, mode_t mode);
+    int __real_clock_gettime(clockid_t clock, timespec* time);
+    int __wrap_clock_gettime(clockid_t clock, timespec* time);
+}
+
+int __wrap_openat64(int directory, const char* path, int flags, mode_t mode)
+{
+    ++filesOpened;
+    return __real_openat64(directory, path, flags, mode);
+}
+
+int __wrap_clock_gettime(clockid_t clock, timespec* time)
+{
+    const int result = __real_clock_gettime(clock, time);
+    time->tv_sec -= secondsBehind;
+    return result;
+}
 
 namespace
 {
@@ -147,6 +178,46 @@ TEST_F(ConfigStore, KeepsItsModeAndOwner)
     EXPECT_EQ(after.st_mode, before.st_mode);
     EXPECT_EQ(after.st_uid, before.st_uid);
     EXPECT_EQ(after.st_gid, before.st_gid);
+}
+
+TEST_F(ConfigStore, IsReadOnceWhileNobodyChangesIt)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(config.get("key"), "value");
+    const int before = filesOpened;
+    EXPECT_GT(before, 0);
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(config.get("key"), "value");
+        EXPECT_EQ(NxuConfig().get("none"), "");
+    }
+    EXPECT_EQ(filesOpened, before);
+}
+
+TEST_F(ConfigStore, IsReadAgainAsLongAsAChangeMayNotShowInItsTimes)
+{
+    EXPECT_TRUE(config.set("key", "value"));
+    secondsBehind = 3600;
+    for (int i = 0; i < 3; ++i) {
+        const int before = filesOpened;
+        EXPECT_EQ(config.get("key"), "value");
+        EXPECT_GT(filesOpened, before);
+    }
+}
+
+TEST(FileState, IsSettledWhenTheNextChangeGetsAnotherTime)
+{
+    struct stat status
+    {};
+    status.st_ctim = {1000, 500};
+    EXPECT_FALSE(settings::FileState(status).isSettled({1000, 499}));
+    EXPECT_FALSE(settings::FileState(status).isSettled({1000, 500}));
+    EXPECT_TRUE(settings::FileState(status).isSettled({1000, 501}));
+    EXPECT_TRUE(settings::FileState(status).isSettled({1001, 0}));
+    status.st_ctim = {1000, 0};
+    EXPECT_FALSE(settings::FileState(status).isSettled({1001, 999999999}));
+    EXPECT_FALSE(settings::FileState(status).isSettled({1002, 0}));
+    EXPECT_TRUE(settings::FileState(status).isSettled({1002, 1}));
 }
 
 TEST_F(ConfigStore, IsReadAgainWhenItWasEditedInPlace)

@@ -5,8 +5,10 @@
 #include "SettingsChange.h"
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 #include <pthread.h>
 
@@ -117,7 +119,10 @@ void ConfigStore::change(const std::string& path, const std::function<void(Setti
     if (!guard.owns_lock()) {
         throw std::runtime_error("another thread is writing");
     }
+    // Who changes one setting after the other lets others in between.
+    std::this_thread::sleep_until(m_changed + std::chrono::milliseconds(2));
     settings::change(path, edit, deadline);
+    m_changed = std::chrono::steady_clock::now();
 }
 
 } // namespace nxuconfig

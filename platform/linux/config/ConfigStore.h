@@ -4,6 +4,7 @@
 #include "SettingsFile.h"
 #include "SettingsText.h"
 
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -40,7 +41,8 @@ private:
     std::mutex m_reading; /**< Guards what follows. */
     std::string m_path;
     std::optional<settings::Contents> m_contents; /**< What was read last, from m_path. */
-    std::mutex m_writing;                         /**< Held by the thread that changes the file. */
+    std::mutex m_writing; /**< Held by the thread that changes the file; guards what follows. */
+    std::chrono::steady_clock::time_point m_changed; /**< When this process last did so. */
 };
 
 } // namespace nxuconfig

@@ -18,7 +18,7 @@ public:
     /** Waits until the next try; false when there is to be none. */
     bool wait() const
     {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        std::this_thread::sleep_for(std::chrono::microseconds(500));
         return std::chrono::steady_clock::now() < m_end;
     }
 

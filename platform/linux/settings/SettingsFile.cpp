@@ -31,14 +31,6 @@ timespec timeOfChanges()
     return now;
 }
 
-/** Whether a change at that time or later shows in the file's times. */
-bool isBefore(timespec changed, const timespec& now)
-{
-    // Some file systems count in steps of two seconds.
-    changed.tv_sec += changed.tv_nsec == 0 ? 2 : 0;
-    return asPair(changed) < asPair(now);
-}
-
 } // namespace
 
 FileState::FileState(const struct stat& status)
@@ -50,6 +42,13 @@ bool FileState::operator==(const FileState& other) const
 {
     return std::tie(device, inode, size) == std::tie(other.device, other.inode, other.size) &&
            asPair(modified) == asPair(other.modified) && asPair(changed) == asPair(other.changed);
+}
+
+bool FileState::isSettled(const timespec& now) const
+{
+    // Some file systems count in steps of two seconds.
+    const std::time_t step = changed.tv_nsec == 0 ? 2 : 0;
+    return std::make_pair(changed.tv_sec + step, changed.tv_nsec) < asPair(now);
 }
 
 std::optional<FileState> stateOf(const std::string& path)
@@ -78,7 +77,7 @@ std::optional<Contents> read(const std::string& path)
     }
     const timespec now = timeOfChanges();
     const FileState state(statusOfRegularFile(file));
-    return Contents{state, isBefore(state.changed, now), SettingsText(bytesOf(file)).entries()};
+    return Contents{state, state.isSettled(now), SettingsText(bytesOf(file)).entries()};
 }
 
 struct stat statusOfRegularFile(const FileDescriptor& file)

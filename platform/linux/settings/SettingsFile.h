@@ -22,6 +22,8 @@ struct FileState
 {
     explicit FileState(const struct stat& status);
     bool operator==(const FileState& other) const;
+    /** Whether a change of the file at that time, or later, makes another state of it. */
+    bool isSettled(const timespec& now) const;
 
     dev_t device;
     ino_t inode;

@@ -33,8 +33,9 @@ bool isPrintable(char byte)
 
 bool isControl(char byte)
 {
-    constexpr char Delete = 0x7F;
-    return (byte >= '\0' && byte < ' ' && byte != '\t') || byte == Delete;
+    constexpr unsigned char Delete = 0x7F;
+    const auto value = static_cast<unsigned char>(byte);
+    return (value < ' ' && value != '\t') || value == Delete;
 }
 
 std::string hexEscape(char byte)

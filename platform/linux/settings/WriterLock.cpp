@@ -29,7 +29,9 @@ WriterLock::WriterLock(int directory, const std::string& name,
 
 WriterLock::~WriterLock()
 {
-    ::unlinkat(m_directory, m_name.c_str(), 0);
+    if (leadsTo(m_file)) {
+        ::unlinkat(m_directory, m_name.c_str(), 0);
+    }
 }
 
 /** False when another has it, or had it until now. */
