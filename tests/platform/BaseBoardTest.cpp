@@ -1,5 +1,7 @@
 #include "BaseBoard.h"
 #include "Board.h"
+#include "FileDescriptor.h"
+#include "Nodes.h"
 
 #include <gmock/gmock.h>
 
@@ -76,6 +78,35 @@ TEST_F(BaseBoard, ReportsWhyTheEepromCannotBeRead)
     ASSERT_EQ(::unlink(board.file("eeprom").c_str()), 0);
     std::filesystem::create_directory(board.file("eeprom"));
     EXPECT_EQ(read(), EISDIR);
+    EXPECT_THAT(buffer, Each(0xEE));
+}
+
+TEST_F(BaseBoard, WaitsForNoPipe)
+{
+    testsupport::makeNode(S_IFIFO, board.file("eeprom"));
+    EXPECT_EQ(read(), ENODEV);
+    const FileDescriptor writer(::open(board.file("eeprom").c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_TRUE(writer.isOpen());
+    EXPECT_EQ(read(), ENODEV);
+    EXPECT_THAT(buffer, Each(0xEE));
+}
+
+TEST_F(BaseBoard, WaitsForNoTerminal)
+{
+    const testsupport::Terminal terminal;
+    ASSERT_NE(terminal.path(), "");
+    testsupport::makeLink(terminal.path(), board.file("eeprom"));
+    EXPECT_EQ(read(), ENODEV);
+    EXPECT_THAT(buffer, Each(0xEE));
+}
+
+TEST_F(BaseBoard, TakesNoDeviceOrSocketAsAnEeprom)
+{
+    testsupport::makeLink("/dev/zero", board.file("eeprom"));
+    EXPECT_EQ(read(), ENODEV);
+    ASSERT_EQ(::unlink(board.file("eeprom").c_str()), 0);
+    testsupport::makeNode(S_IFSOCK, board.file("eeprom"));
+    EXPECT_EQ(read(), ENXIO);
     EXPECT_THAT(buffer, Each(0xEE));
 }
 

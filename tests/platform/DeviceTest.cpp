@@ -1,8 +1,12 @@
 #include "Board.h"
 #include "DDevIo.h"
+#include "FileDescriptor.h"
+#include "Nodes.h"
+#include "Program.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cerrno>
 #include <system_error>
 #include <thread>
@@ -110,6 +114,72 @@ TEST(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
     EXPECT_FALSE(board.has("other"));
 }
 
+TEST(DeviceHandle, IsRefusedForAWarmAreaThatIsTooShort)
+{
+    const Board board;
+    for (const std::size_t size : {0U, 1U, 32767U}) {
+        board.write("top.dtcm0", std::string(size, 'x'));
+        errno = 0;
+        EXPECT_LT(DDevIo_open("top.dtcm0"), 0) << size;
+        EXPECT_EQ(errno, EIO) << size;
+    }
+    for (const std::size_t size : {32768U, 32769U}) {
+        board.write("top.dtcm0", std::string(size, 'x'));
+        const int handle = DDevIo_open("top.dtcm0");
+        EXPECT_GE(handle, 0) << size;
+        EXPECT_EQ(DDevIo_close(handle), 0) << size;
+    }
+}
+
+TEST(DeviceHandle, DoesNotMeasureADeviceNode)
+{
+    const Board board;
+    testsupport::makeLink("/dev/zero", board.file("top.dtcm0"));
+    const int handle = DDevIo_open("top.dtcm0");
+    EXPECT_GE(handle, 0);
+    EXPECT_EQ(DDevIo_close(handle), 0);
+}
+
+TEST(DeviceHandle, IsRefusedForWhatIsNoMemory)
+{
+    const Board board;
+    testsupport::makeNode(S_IFIFO, board.file("pipe"));
+    testsupport::makeNode(S_IFSOCK, board.file("socket"));
+    const testsupport::Terminal terminal;
+    ASSERT_NE(terminal.path(), "");
+    testsupport::makeLink(terminal.path(), board.file("terminal"));
+    const std::pair<const char*, int> cases[] = {
+        {"pipe", ENODEV}, {"terminal", ENODEV}, {"socket", ENXIO}};
+    for (const auto& [name, error] : cases) {
+        errno = 0;
+        EXPECT_LT(DDevIo_open(name), 0) << name;
+        EXPECT_EQ(errno, error) << name;
+    }
+}
+
+TEST(DeviceHandle, IsOneThatReadsWait)
+{
+    const Board board;
+    testsupport::makeLink("/dev/zero", board.file("device"));
+    const int handle = DDevIo_open("device");
+    EXPECT_EQ(::fcntl(DDevIo_getFileDescriptor(handle), F_GETFL) & O_NONBLOCK, 0);
+    EXPECT_EQ(DDevIo_close(handle), 0);
+}
+
+TEST(DeviceHandle, IsNoStandardStreamsDescriptor)
+{
+    const Board board;
+    board.write("device", "");
+    const pid_t process = ::fork();
+    if (process == 0) {
+        for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            ::close(fd);
+        }
+        ::_exit(DDevIo_getFileDescriptor(DDevIo_open("device")) > STDERR_FILENO ? 0 : 1);
+    }
+    EXPECT_EQ(testsupport::waitFor(process), 0);
+}
+
 TEST(DeviceHandle, IsRefusedForWhatIsNoName)
 {
     const Board board;
@@ -212,6 +282,31 @@ TEST(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
     EXPECT_EQ(readOf(*device, 0), 0xDEADU);
 }
 
+TEST(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
+{
+    const Board board;
+    board.write("device", wordsOf({7}));
+    const auto device = open("device");
+    std::atomic<bool> done{false};
+    const FileDescriptor file(::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC));
+    std::thread cutter([&] {
+        const std::string word = wordsOf({7});
+        while (!done) {
+            EXPECT_EQ(::ftruncate(file.get(), 0), 0);
+            EXPECT_EQ(::pwrite(file.get(), word.data(), word.size(), 0), 4);
+        }
+    });
+    bool wasRead = false;
+    bool wasCut = false;
+    for (int i = 0; i < 100000 || !wasRead || !wasCut; ++i) {
+        const unsigned int value = readOf(*device, 0);
+        wasRead = wasRead || value == 7;
+        wasCut = wasCut || value == 0xDEAD;
+    }
+    done = true;
+    cutter.join();
+}
+
 TEST(DeviceRegisters, OfAnEmptyFileAreNone)
 {
     const Board board;
@@ -257,6 +352,12 @@ TEST(DeviceFactory, MakesNothingOfWhatCannotBeOpenedAndMapped)
     EXPECT_THAT(open("directory"), IsNull());
     ASSERT_EQ(::mkfifo(board.file("pipe").c_str(), 0600), 0);
     EXPECT_THAT(open("pipe"), IsNull());
+    testsupport::makeNode(S_IFSOCK, board.file("socket"));
+    EXPECT_THAT(open("socket"), IsNull());
+    const testsupport::Terminal terminal;
+    ASSERT_NE(terminal.path(), "");
+    testsupport::makeLink(terminal.path(), board.file("terminal"));
+    EXPECT_THAT(open("terminal"), IsNull());
     ASSERT_EQ(::symlink("nowhere", board.file("link").c_str()), 0);
     EXPECT_THAT(open("link"), IsNull());
 }

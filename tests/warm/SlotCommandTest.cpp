@@ -84,4 +84,12 @@ TEST_F(SlotCommand, AnswersWithoutADevice)
     expectAnswer(getSlotId(), "-1");
 }
 
+TEST_F(SlotCommand, AnswersWithAWarmAreaThatIsTooShort)
+{
+    const std::string area(32767, 'x');
+    testsupport::writeFile(m_board.file("top.dtcm0"), area);
+    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(testsupport::readFile(m_board.file("top.dtcm0")), area);
+}
+
 } // namespace

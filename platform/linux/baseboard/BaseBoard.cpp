@@ -1,12 +1,12 @@
 #include "BaseBoard.h"
 #include "BoardDirectory.h"
-#include "FileDescriptor.h"
+#include "OpenFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 
-#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -15,6 +15,20 @@ constexpr int BaseBoardEeprom = 5;
 constexpr int HardwareCodeArea = 1;
 
 using HardwareCode = std::array<uint8_t, 8>;
+
+/** Whether a file is what can be read without waiting; 0, or the errno value of what it is not. */
+int checkType(int fd)
+{
+    struct stat status
+    {};
+    if (::fstat(fd, &status) != 0) {
+        return errno;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return EISDIR;
+    }
+    return S_ISREG(status.st_mode) ? 0 : ENODEV;
+}
 
 /** Fills the code from the file; 0, or the errno value of what failed. */
 int readCode(int fd, HardwareCode& code)
@@ -40,10 +54,13 @@ int e2prom_data_read(int device, int area, uint8_t* buffer)
     if (device != BaseBoardEeprom || area != HardwareCodeArea || buffer == nullptr) {
         return EINVAL;
     }
-    const FileDescriptor file(
-        ::open(boarddirectory::entryPath("eeprom").c_str(), O_RDONLY | O_CLOEXEC));
+    const FileDescriptor file =
+        openFile(boarddirectory::entryPath("eeprom"), O_RDONLY | O_NOCTTY | O_NONBLOCK);
     if (!file.isOpen()) {
         return errno;
+    }
+    if (const int error = checkType(file.get())) {
+        return error;
     }
     HardwareCode code{};
     const int error = readCode(file.get(), code);

@@ -26,6 +26,8 @@ public:
 
     bool isOpen() const { return m_fd != -1; }
     int get() const { return m_fd; }
+    /** Gives the descriptor away; the caller closes it. */
+    int release() { return std::exchange(m_fd, -1); }
 
 private:
     int m_fd = -1;

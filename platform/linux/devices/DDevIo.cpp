@@ -1,5 +1,5 @@
 #include "DDevIo.h"
-#include "BoardDirectory.h"
+#include "DeviceFile.h"
 
 #include <cerrno>
 
@@ -10,11 +10,7 @@
 
 int DDevIo_open(const char* name)
 {
-    if (name == nullptr || !boarddirectory::isEntryName(name)) {
-        errno = EINVAL;
-        return -1;
-    }
-    return ::open(boarddirectory::entryPath(name).c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY);
+    return DDevIo::openDevice(name == nullptr ? "" : name, O_RDWR).descriptor.release();
 }
 
 int DDevIo_getFileDescriptor(int handle)

@@ -1,4 +1,3 @@
-#include "BoardDirectory.h"
 #include "RegisterDevice.h"
 
 #include <utility>
@@ -16,10 +15,7 @@ Factory& Factory::getInstance()
 std::unique_ptr<IDevice> Factory::createUnique(const std::string& name,
                                                std::unique_ptr<IMutex> mutex)
 {
-    if (!boarddirectory::isEntryName(name)) {
-        return nullptr;
-    }
-    return RegisterDevice::open(boarddirectory::entryPath(name), std::move(mutex));
+    return RegisterDevice::open(name, std::move(mutex));
 }
 
 } // namespace DDevIo

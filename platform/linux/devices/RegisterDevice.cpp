@@ -1,44 +1,101 @@
 #include "RegisterDevice.h"
+#include "DeviceFile.h"
 
+#include <cerrno>
 #include <mutex>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace DDevIo
 {
 
+namespace
+{
+
 static_assert(sizeof(unsigned int) == 4, "registers are 32 bits wide");
 
-std::unique_ptr<RegisterDevice> RegisterDevice::open(const std::string& path,
+std::size_t pageSize()
+{
+    return static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}
+
+/** A file's contents. They are read, not mapped: a file can become shorter at any time. */
+class FileRegisters : public RegisterDevice
+{
+public:
+    FileRegisters(FileDescriptor file, std::unique_ptr<IMutex> mutex)
+        : RegisterDevice(std::move(mutex)), m_file(std::move(file))
+    {}
+
+private:
+    bool load(std::size_t offset, unsigned int& value) const override
+    {
+        unsigned int word = 0;
+        ssize_t count = 0;
+        do {
+            count = ::pread(m_file.get(), &word, sizeof word, static_cast<off_t>(offset));
+        } while (count == -1 && errno == EINTR);
+        if (count != static_cast<ssize_t>(sizeof word)) {
+            return false;
+        }
+        value = word;
+        return true;
+    }
+
+    const FileDescriptor m_file;
+};
+
+/** A device's memory, each register loaded at once. */
+class MemoryRegisters : public RegisterDevice
+{
+public:
+    MemoryRegisters(const void* registers, std::unique_ptr<IMutex> mutex)
+        : RegisterDevice(std::move(mutex)), m_registers(registers)
+    {}
+    ~MemoryRegisters() override
+    {
+        ::munmap(const_cast<void*>(m_registers), // NOLINT(cppcoreguidelines-pro-type-const-cast)
+                 pageSize());
+    }
+    MemoryRegisters(const MemoryRegisters&) = delete;
+    MemoryRegisters& operator=(const MemoryRegisters&) = delete;
+
+private:
+    bool load(std::size_t offset, unsigned int& value) const override
+    {
+        const auto* registers = static_cast<const volatile unsigned int*>(m_registers);
+        value = registers[offset / sizeof(unsigned int)];
+        return true;
+    }
+
+    const void* const m_registers;
+};
+
+} // namespace
+
+std::unique_ptr<RegisterDevice> RegisterDevice::open(const std::string& name,
                                                      std::unique_ptr<IMutex> mutex)
 {
     // Registers are only read: a board that cannot be written still has them.
-    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
-    if (!file.isOpen()) {
+    DeviceFile file = openDevice(name, O_RDONLY);
+    if (!file.descriptor.isOpen()) {
         return nullptr;
     }
-    const auto size = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    void* const registers = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0);
+    if (file.isRegular) {
+        return std::make_unique<FileRegisters>(std::move(file.descriptor), std::move(mutex));
+    }
+    void* const registers =
+        ::mmap(nullptr, pageSize(), PROT_READ, MAP_SHARED, file.descriptor.get(), 0);
     if (registers == MAP_FAILED) {
         return nullptr;
     }
-    return std::unique_ptr<RegisterDevice>(
-        new RegisterDevice(std::move(file), registers, size, std::move(mutex)));
+    return std::make_unique<MemoryRegisters>(registers, std::move(mutex));
 }
 
-RegisterDevice::RegisterDevice(FileDescriptor file, const void* registers, std::size_t size,
-                               std::unique_ptr<IMutex> mutex)
-    : m_file(std::move(file)), m_registers(registers), m_size(size), m_mutex(std::move(mutex))
-{}
-
-RegisterDevice::~RegisterDevice()
-{
-    ::munmap(const_cast<void*>(m_registers), // NOLINT(cppcoreguidelines-pro-type-const-cast)
-             m_size);
-}
+RegisterDevice::RegisterDevice(std::unique_ptr<IMutex> mutex) : m_mutex(std::move(mutex)) {}
 
 int RegisterDevice::read(std::size_t offset, unsigned int& value)
 {
@@ -46,27 +103,10 @@ int RegisterDevice::read(std::size_t offset, unsigned int& value)
     if (m_mutex) {
         lock = std::unique_lock<IMutex>(*m_mutex);
     }
-    if (!has(offset)) {
+    if (offset % sizeof(unsigned int) != 0 || offset >= pageSize()) {
         return -1;
     }
-    const auto* registers = static_cast<const volatile unsigned int*>(m_registers);
-    value = registers[offset / sizeof(unsigned int)];
-    return 0;
-}
-
-/** Whether the register can be read now; a file may have become shorter since it was mapped. */
-bool RegisterDevice::has(std::size_t offset) const
-{
-    if (offset % sizeof(unsigned int) != 0 || offset >= m_size) {
-        return false;
-    }
-    struct stat status
-    {};
-    if (::fstat(m_file.get(), &status) != 0) {
-        return false;
-    }
-    return !S_ISREG(status.st_mode) ||
-           status.st_size >= static_cast<off_t>(offset + sizeof(unsigned int));
+    return load(offset, value) ? 0 : -1;
 }
 
 } // namespace DDevIo

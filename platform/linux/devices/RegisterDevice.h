@@ -2,11 +2,8 @@
 #define PLATFORM_LINUX_DEVICES_REGISTERDEVICE_H
 
 #include "DDevIo.h"
-#include "FileDescriptor.h"
 
 #include <string>
-
-#include <sys/types.h>
 
 namespace DDevIo
 {
@@ -15,23 +12,19 @@ namespace DDevIo
 class RegisterDevice : public Device<unsigned int>
 {
 public:
-    /** Opens and maps the file; @p mutex may be null. */
-    static std::unique_ptr<RegisterDevice> open(const std::string& path,
+    /** Opens the device; null when there is none. @p mutex may be null. */
+    static std::unique_ptr<RegisterDevice> open(const std::string& name,
                                                 std::unique_ptr<IMutex> mutex);
-    ~RegisterDevice() override;
-    RegisterDevice(const RegisterDevice&) = delete;
-    RegisterDevice& operator=(const RegisterDevice&) = delete;
 
     int read(std::size_t offset, unsigned int& value) override;
 
-private:
-    RegisterDevice(FileDescriptor file, const void* registers, std::size_t size,
-                   std::unique_ptr<IMutex> mutex);
-    bool has(std::size_t offset) const;
+protected:
+    explicit RegisterDevice(std::unique_ptr<IMutex> mutex);
 
-    const FileDescriptor m_file;
-    const void* const m_registers;
-    const std::size_t m_size;
+private:
+    /** Loads a register of the first page. Returns false, with the value untouched, on failure. */
+    virtual bool load(std::size_t offset, unsigned int& value) const = 0;
+
     const std::unique_ptr<IMutex> m_mutex;
 };
 
