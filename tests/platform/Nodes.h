@@ -40,6 +40,8 @@ public:
         }
     }
 
+    /** What the user types and sees. */
+    const FileDescriptor& user() const { return m_user; }
     /** Its device; empty when the machine has none. */
     const std::string& path() const { return m_path; }
 

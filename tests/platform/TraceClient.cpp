@@ -3,6 +3,9 @@
  * @brief Uses the trace library in a process of its own.
  *
  *     CHANNEL LEVEL TEXT   writes a message on each of the library's interfaces
+ *     many COUNT           does so that often
+ *     reuse FILE           opens the file and writes a message; status 3 when the file has another
+ *                          descriptor than standard error's
  *     forks                forks again and again while another thread writes; each new process
  *                          writes a message on the channel "forked"
  */
@@ -13,6 +16,7 @@
 #include <string>
 #include <thread>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace
@@ -62,6 +66,21 @@ int forkWhileAThreadWrites()
     return status;
 }
 
+int writeManyMessages(int count)
+{
+    for (int i = 0; i < count; ++i) {
+        writeMessages("channel", 1, "text");
+    }
+    return 0;
+}
+
+int writeWithAFileForStandardError(const char* file)
+{
+    const int fd = ::open(file, O_WRONLY | O_CLOEXEC);
+    write("channel");
+    return fd == STDERR_FILENO ? 0 : 3;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -69,6 +88,12 @@ int main(int argc, char** argv)
     const std::string first = argv[1];
     if (argc == 2 && first == "forks") {
         return forkWhileAThreadWrites();
+    }
+    if (argc == 3 && first == "many") {
+        return writeManyMessages(std::stoi(argv[2]));
+    }
+    if (argc == 3 && first == "reuse") {
+        return writeWithAFileForStandardError(argv[2]);
     }
     return writeMessages(first, static_cast<HvxTraceLevel>(std::stoul(argv[2])), argv[3]);
 }

@@ -9,10 +9,8 @@
 namespace
 {
 
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::SizeIs;
@@ -77,48 +75,6 @@ TEST_F(TraceLibrary, FormatsAsPrintf)
                static_cast<void*>(nullptr), 12);
     GT_printf2(&record, 1, &Header, "100%%");
     EXPECT_THAT(texts(), ElementsAre("Led_write(-3, (nil), 12) called", "100%"));
-}
-
-TEST_F(TraceLibrary, KeepsEachMessageOnOneLine)
-{
-    HvxTrace channel("chan\nnel", 3);
-    write(channel, 1,
-          "a\nb\tc\x7F"
-          "d\x1B[0m\r" +
-              std::string(1, '\0') + "e\n\n");
-    EXPECT_THAT(lines(), SizeIs(1));
-    EXPECT_THAT(lines()[0], HasSubstr(" chan\\x0Anel["));
-    EXPECT_THAT(texts(), ElementsAre("a\\x0Ab\\x09c\\x7Fd\\x1B[0m\\x0D\\x00e\\x0A"));
-}
-
-TEST_F(TraceLibrary, LeavesOtherLettersAlone)
-{
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "M\xC3\xBCller \xFF");
-    EXPECT_THAT(texts(), ElementsAre("M\xC3\xBCller \xFF"));
-}
-
-TEST_F(TraceLibrary, CutsWhatAPipeWouldNotTakeInOnePiece)
-{
-    HvxTrace channel("channel", 3);
-    write(channel, 1, std::string(5000, 'x'));
-    GT_TraceRecord record{TraceRecordStartLevel, "channel"};
-    GT_printf2(&record, 1, &Header, "%s\n", std::string(1000000, 'y').c_str());
-    EXPECT_THAT(lines(), ElementsAre(AllOf(SizeIs(4095), EndsWith("xxx...")),
-                                     AllOf(SizeIs(4095), EndsWith("yyy..."))));
-}
-
-TEST_F(TraceLibrary, CutsBetweenTwoCharacters)
-{
-    HvxTrace channel("channel", 3);
-    for (int i = 0; i < 2; ++i) {
-        std::string text(static_cast<std::size_t>(i), '.');
-        for (int j = 0; j < 2500; ++j) {
-            text += "\xC3\xBC";
-        }
-        write(channel, 1, text);
-    }
-    EXPECT_THAT(lines(), ElementsAre(EndsWith("\xC3\xBC..."), EndsWith("\xC3\xBC...")));
 }
 
 TEST_F(TraceLibrary, KeepsMessagesOfManyThreadsWhole)

@@ -13,6 +13,7 @@
 namespace
 {
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -72,6 +73,27 @@ TEST_F(TraceOutputs, MayBeClosed)
     write(channel, 1, "text");
     ::dup2(before, STDERR_FILENO);
     SUCCEED();
+}
+
+TEST_F(TraceOutputs, AreNotTheFileThatHasStandardErrorsDescriptor)
+{
+    if (!std::string(BSP_TEST_EMULATOR).empty()) {
+        GTEST_SKIP() << "the emulator itself opens files on missing descriptors";
+    }
+    setOutput("stderr");
+    setLevels("bad");
+    testsupport::writeFile(file, "");
+    testsupport::Program program{};
+    program.path = TRACE_CLIENT;
+    program.arguments = {"reuse", file};
+    const Outcome open = program.run();
+    EXPECT_THAT(open.err, EndsWith("] 1 file.cpp:7 text\n"));
+    EXPECT_EQ(open.status, 3);
+
+    program.prepare = [] { ::close(STDERR_FILENO); };
+    const Outcome closed = program.run();
+    EXPECT_EQ(closed.status, 0);
+    EXPECT_EQ(readFile(file), "");
 }
 
 TEST_F(TraceOutputs, CanBeAFileThatIsAppendedTo)
@@ -187,6 +209,22 @@ TEST_F(SystemLog, DoesNotTakeTextsAsFormats)
     setOutput("syslog");
     trace("1", "100%s%n");
     EXPECT_THAT(logged(), ElementsAre(HasSubstr("100%s%n"), HasSubstr("100%s%n")));
+}
+
+TEST_F(SystemLog, MayBeFull)
+{
+    setOutput("syslog");
+    const int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    sockaddr_un address{};
+    socklen_t size = sizeof address;
+    ASSERT_EQ(::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    while (::sendto(sender, "x", 1, 0, reinterpret_cast<const sockaddr*>(&address), size) == 1) {
+    }
+    ::close(sender);
+    const Outcome outcome = trace("1", "text");
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(logged(), Each("x"));
 }
 
 TEST_F(SystemLog, GetsWhatCannotGoToAFile)

@@ -1,11 +1,10 @@
 #include "TraceSettings.h"
-#include "TraceLine.h"
+#include "StandardError.h"
+#include "TraceText.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
-
-#include <unistd.h>
 
 namespace qeltrace
 {
@@ -44,9 +43,9 @@ void reportBadSetting(const std::string& variable, const std::string& setting,
                       const std::string& reason)
 {
     const std::string line =
-        "qeltrace: ignoring '" + onOneLine(setting) + "' in " + variable + ": " + reason + "\n";
-    // Nobody is left to tell when this write fails.
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+        onOneLine("qeltrace: ignoring '" + setting + "' in " + variable + ": " + reason);
+    // Nobody is left to tell when it is lost.
+    static_cast<void>(writeToStandardError(line + '\n'));
 }
 
 const TraceSettings& TraceSettings::instance()

@@ -1,0 +1,383 @@
+#include "FileDescriptor.h"
+#include "Nodes.h"
+#include "Program.h"
+#include "TraceTest.h"
+
+#include <array>
+#include <functional>
+#include <sstream>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <termios.h>
+
+namespace
+{
+
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+using testsupport::TraceTest;
+
+/** The system log that the library connects to. */
+std::string systemLog;
+
+} // namespace
+
+extern "C"
+{
+    int __real_connect(int fd, const sockaddr* address, socklen_t size);
+    int __wrap_connect(int fd, const sockaddr* address, socklen_t size);
+}
+
+namespace
+{
+
+sockaddr_un addressOf(const std::string& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
+
+} // namespace
+
+int __wrap_connect(int fd, const sockaddr* address, socklen_t size)
+{
+    const auto* local = reinterpret_cast<const sockaddr_un*>(address);
+    if (systemLog.empty() || local->sun_path != std::string("/dev/log")) {
+        return __real_connect(fd, address, size);
+    }
+    const sockaddr_un other = addressOf(systemLog);
+    return __real_connect(fd, reinterpret_cast<const sockaddr*>(&other), sizeof other);
+}
+
+namespace
+{
+
+/** While it lives, standard error is another file. */
+class StandardErrorAs
+{
+public:
+    explicit StandardErrorAs(const FileDescriptor& file)
+        : m_before(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3))
+    {
+        ::dup2(file.get(), STDERR_FILENO);
+    }
+    ~StandardErrorAs() { ::dup2(m_before.get(), STDERR_FILENO); }
+    StandardErrorAs(const StandardErrorAs&) = delete;
+    StandardErrorAs& operator=(const StandardErrorAs&) = delete;
+
+private:
+    const FileDescriptor m_before;
+};
+
+/** Two connected descriptors: what is written to the second is read from the first. */
+struct Connection
+{
+    explicit Connection(const std::array<int, 2>& descriptors)
+        : reader(descriptors[0]), writer(descriptors[1])
+    {}
+
+    static Connection pipe()
+    {
+        std::array<int, 2> descriptors{-1, -1};
+        EXPECT_EQ(::pipe2(descriptors.data(), O_CLOEXEC), 0);
+        return Connection(descriptors);
+    }
+    static Connection sockets()
+    {
+        std::array<int, 2> descriptors{-1, -1};
+        EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, descriptors.data()), 0);
+        return Connection(descriptors);
+    }
+
+    FileDescriptor reader;
+    FileDescriptor writer;
+};
+
+/** What can be read without waiting. */
+std::string readAll(const FileDescriptor& file)
+{
+    ::fcntl(file.get(), F_SETFL, O_NONBLOCK);
+    std::string all;
+    std::array<char, 65536> buffer{};
+    ssize_t count = 0;
+    while ((count = ::read(file.get(), buffer.data(), buffer.size())) > 0) {
+        all.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return all;
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/** The line that tells of lost messages. */
+auto tellsOf(std::size_t lost)
+{
+    return MatchesRegex("[-0-9T:.]+Z qeltrace[[]" + std::to_string(::getpid()) +
+                        "[]] 1 .*platform/linux/trace/TraceOutput[.]cpp:[0-9]+ messages lost: " +
+                        std::to_string(lost));
+}
+
+class TraceWaiting : public TraceTest
+{
+protected:
+    static constexpr std::size_t Count = 200;
+
+    TraceWaiting() { setOutput("stderr"); }
+
+    void trace(const std::string& text)
+    {
+        GT_printf2(&m_record, 1, &testsupport::Header, "%s\n", text.c_str());
+    }
+    /** Writes more than pipes and sockets take. */
+    void writeMany()
+    {
+        for (std::size_t i = 0; i < Count; ++i) {
+            trace(std::string(4000, 'x'));
+        }
+    }
+
+    /** Checks that whole lines came, and that the next message tells how many did not. */
+    void expectTheFirst(const FileDescriptor& reader, const std::function<void()>& writeNext) const
+    {
+        const std::string first = readAll(reader);
+        EXPECT_THAT(first, EndsWith("x\n"));
+        const std::vector<std::string> written = linesOf(first);
+        EXPECT_GT(written.size(), 0U);
+        EXPECT_LT(written.size(), Count);
+        for (const std::string& line : written) {
+            EXPECT_THAT(line, EndsWith(" " + std::string(4000, 'x')));
+        }
+        writeNext();
+        EXPECT_THAT(linesOf(readAll(reader)),
+                    ElementsAre(tellsOf(Count - written.size()), EndsWith(" text")));
+        writeNext();
+        EXPECT_THAT(linesOf(readAll(reader)), ElementsAre(EndsWith(" text")));
+    }
+
+private:
+    GT_TraceRecord m_record{TraceRecordStartLevel, "channel"};
+};
+
+TEST_F(TraceWaiting, IsNotForAFullPipe)
+{
+    const Connection pipe = Connection::pipe();
+    {
+        const StandardErrorAs standardError(pipe.writer);
+        writeMany();
+    }
+    EXPECT_EQ(::fcntl(pipe.writer.get(), F_GETFL) & O_NONBLOCK, 0);
+    expectTheFirst(pipe.reader, [&] {
+        const StandardErrorAs standardError(pipe.writer);
+        trace("text");
+    });
+}
+
+TEST_F(TraceWaiting, IsNotForAFullPipeOfAnotherUser)
+{
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only root becomes another user";
+    }
+    const Connection pipe = Connection::pipe();
+    const pid_t process = ::fork();
+    if (process == 0) {
+        if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0) {
+            ::_exit(126);
+        }
+        ::alarm(30);
+        ::dup2(pipe.writer.get(), STDERR_FILENO);
+        writeMany();
+        ::_exit(0);
+    }
+    EXPECT_EQ(testsupport::waitFor(process), 0);
+    EXPECT_THAT(readAll(pipe.reader), EndsWith(" " + std::string(4000, 'x') + '\n'));
+}
+
+TEST_F(TraceWaiting, IsNotForAFullSocket)
+{
+    const Connection sockets = Connection::sockets();
+    {
+        const StandardErrorAs standardError(sockets.writer);
+        writeMany();
+    }
+    expectTheFirst(sockets.reader, [&] {
+        const StandardErrorAs standardError(sockets.writer);
+        trace("text");
+    });
+}
+
+TEST_F(TraceWaiting, IsNotForAStoppedTerminal)
+{
+    const testsupport::Terminal terminal;
+    ASSERT_NE(terminal.path(), "");
+    const FileDescriptor screen(::open(terminal.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    ASSERT_EQ(::tcflow(screen.get(), TCOOFF), 0);
+    const StandardErrorAs standardError(screen);
+    trace("first");
+    trace("second");
+    EXPECT_EQ(readAll(terminal.user()), "");
+    ASSERT_EQ(::tcflow(screen.get(), TCOON), 0);
+    trace("text");
+    EXPECT_THAT(linesOf(readAll(terminal.user())),
+                ElementsAre(EndsWith(" messages lost: 2\r"), EndsWith(" text\r")));
+}
+
+TEST_F(TraceWaiting, IsNotForAFullNamedPipe)
+{
+    setOutput(file);
+    testsupport::makeNode(S_IFIFO, file);
+    const FileDescriptor reader(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    writeMany();
+    expectTheFirst(reader, [&] { trace("text"); });
+}
+
+TEST_F(TraceWaiting, IsNotForAFullDisk)
+{
+    setOutput("/dev/full");
+    trace("text");
+    SUCCEED();
+}
+
+TEST_F(TraceWaiting, KeepsMessagesOfManyProcessesWholeInAPipe)
+{
+    Connection pipe = Connection::pipe();
+    std::vector<pid_t> processes;
+    for (char letter = 'a'; letter < 'e'; ++letter) {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            ::dup2(pipe.writer.get(), STDERR_FILENO);
+            for (int i = 0; i < 200; ++i) {
+                trace(std::string(3000, letter));
+            }
+            ::_exit(0);
+        }
+        processes.push_back(process);
+    }
+    pipe.writer = FileDescriptor(-1);
+    std::string all;
+    std::array<char, 65536> buffer{};
+    ssize_t count = 0;
+    while ((count = ::read(pipe.reader.get(), buffer.data(), buffer.size())) > 0) {
+        all.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    for (const pid_t process : processes) {
+        EXPECT_EQ(testsupport::waitFor(process), 0);
+    }
+    std::size_t whole = 0;
+    for (const std::string& line : linesOf(all)) {
+        const std::string text = line.substr(line.find(' ', line.find("] 1 ") + 4) + 1);
+        whole += text == std::string(3000, text.front()) ? 1 : 0;
+        EXPECT_TRUE(text == std::string(3000, text.front()) ||
+                    text.rfind("messages lost: ", 0) == 0)
+            << line;
+    }
+    EXPECT_GE(whole, 16U);
+}
+
+/** The trace library with a system log that is read when the test says so. */
+class WaitingSystemLog : public TraceWaiting
+{
+protected:
+    WaitingSystemLog()
+    {
+        setOutput("syslog");
+        systemLog = directory.file("log");
+    }
+
+    FileDescriptor listen(int type) const
+    {
+        FileDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+        const sockaddr_un address = addressOf(systemLog);
+        EXPECT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+        return socket;
+    }
+
+    /** A message as the system log gets it. */
+    static std::string message(const std::string& text)
+    {
+        return "<11>platform_trace_test: [-0-9T:.]+Z channel[[]" + std::to_string(::getpid()) +
+               "[]] 1 folder/file[.]cpp:42 " + text;
+    }
+};
+
+std::vector<std::string> receiveAll(const FileDescriptor& socket)
+{
+    std::vector<std::string> messages;
+    std::array<char, 8192> buffer{};
+    ssize_t size = 0;
+    while ((size = ::recv(socket.get(), buffer.data(), buffer.size(), 0)) > 0) {
+        messages.emplace_back(buffer.data(), static_cast<std::size_t>(size));
+    }
+    return messages;
+}
+
+TEST_F(WaitingSystemLog, MayBeFull)
+{
+    const FileDescriptor log = listen(SOCK_DGRAM);
+    constexpr std::size_t Many = 2000;
+    for (std::size_t i = 0; i < Many; ++i) {
+        trace("early");
+    }
+    const std::vector<std::string> first = receiveAll(log);
+    EXPECT_GT(first.size(), 0U);
+    EXPECT_LT(first.size(), Many);
+    EXPECT_THAT(first, Each(MatchesRegex(message("early"))));
+    trace("text");
+    EXPECT_THAT(receiveAll(log), ElementsAre(AllOf(StartsWith("<11>platform_trace_test: "),
+                                                   EndsWith(" messages lost: " +
+                                                            std::to_string(Many - first.size()))),
+                                             MatchesRegex(message("text"))));
+}
+
+TEST_F(WaitingSystemLog, MayBeAStream)
+{
+    const FileDescriptor log = listen(SOCK_STREAM);
+    ASSERT_EQ(::listen(log.get(), 2), 0);
+    trace("first");
+    trace("second");
+    for (const char* text : {"first", "second"}) {
+        const FileDescriptor connection(::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        const std::string sent = readAll(connection);
+        ASSERT_THAT(sent, Not(IsEmpty()));
+        EXPECT_EQ(sent.back(), '\0');
+        EXPECT_THAT(sent.substr(0, sent.size() - 1), MatchesRegex(message(text)));
+    }
+}
+
+TEST_F(WaitingSystemLog, MayBeAStreamThatNobodyAccepts)
+{
+    const FileDescriptor log = listen(SOCK_STREAM);
+    ASSERT_EQ(::listen(log.get(), 1), 0);
+    writeMany();
+    const FileDescriptor connection(::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    EXPECT_TRUE(connection.isOpen());
+}
+
+TEST_F(WaitingSystemLog, MayComeLater)
+{
+    trace("nobody listens");
+    const FileDescriptor log = listen(SOCK_DGRAM);
+    trace("text");
+    EXPECT_THAT(receiveAll(log),
+                ElementsAre(EndsWith(" messages lost: 1"), MatchesRegex(message("text"))));
+}
+
+} // namespace
