@@ -1,3 +1,4 @@
+#include "Program.h"
 #include "TraceTest.h"
 
 #include <cstring>
@@ -33,14 +34,57 @@ TEST_F(TraceLevels, AreTheThirdWordOfTheState)
     EXPECT_EQ(word, 6U);
 }
 
-TEST_F(TraceLevels, AreSetByTheChannelsExactName)
+TEST_F(TraceLevels, AreSetByTheChannelsName)
 {
     setLevels("bsp.core=7,Bsp.WarmDatabase=5,a=b=4");
     EXPECT_EQ(levelOf("bsp.core"), 7U);
     EXPECT_EQ(levelOf("Bsp.WarmDatabase"), 5U);
     EXPECT_EQ(levelOf("a=b"), 4U);
-    for (const char* other : {"bsp.cor", "bsp.core2", "Bsp.core", "bsp", "", "bsp.warmdatabase"}) {
+    for (const char* other : {"bsp.cor", "bsp.core2", "xbsp.core", "bsp", "", "bspxcore"}) {
         EXPECT_EQ(levelOf(other), 3U) << other;
+    }
+}
+
+TEST_F(TraceLevels, DoNotDependOnCase)
+{
+    setLevels("BSP.core=7,bsp.warm*=5");
+    EXPECT_EQ(levelOf("bsp.core"), 7U);
+    EXPECT_EQ(levelOf("Bsp.CORE"), 7U);
+    EXPECT_EQ(levelOf("Bsp.WarmDatabase"), 5U);
+}
+
+TEST_F(TraceLevels, AreSetByPatterns)
+{
+    setLevels("bsp.*=7,?ed=5,*.end=6,*mid*=2,a.[0-9]=4,x\\*=1");
+    const std::pair<const char*, unsigned int> cases[] = {
+        {"bsp.core", 7},  {"Bsp.WarmDatabase", 7},
+        {"bsp.", 7},      {"bsp", 3},
+        {"absp.core", 3}, {"led", 5},
+        {"LED", 5},       {"ed", 3},
+        {"sled", 3},      {"the.end", 6},
+        {"the.end.", 3},  {"amidst", 2},
+        {"mid", 2},       {"a.7", 4},
+        {"a.b", 3},       {"/a/mid/b", 2},
+        {"x\\y", 1},      {"x*", 3},
+        {"", 3},
+    };
+    for (const auto& [channel, level] : cases) {
+        EXPECT_EQ(levelOf(channel), level) << channel;
+    }
+}
+
+TEST_F(TraceLevels, AreThoseOfTheMostExactPattern)
+{
+    // A name before patterns, "*" after them, in any order.
+    for (const char* levels : {"bsp.core=7,bsp.*=5,*=2", "*=2,bsp.*=5,bsp.core=7"}) {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            setLevels(levels);
+            const bool isRight =
+                levelOf("bsp.core") == 7 && levelOf("bsp.led") == 5 && levelOf("other") == 2;
+            ::_exit(isRight ? 0 : 1);
+        }
+        EXPECT_EQ(testsupport::waitFor(process), 0) << levels;
     }
 }
 
@@ -57,9 +101,11 @@ TEST_F(TraceLevels, AreSetForAllOthersByAStar)
 
 TEST_F(TraceLevels, AreTheLastOnesSet)
 {
-    setLevels("a=1,*=2,a=5,*=7");
+    setLevels("a=1,*=2,p*=6,pq*=4,a=4,A=5,*=7");
     EXPECT_EQ(levelOf("a"), 5U);
     EXPECT_EQ(levelOf("b"), 7U);
+    EXPECT_EQ(levelOf("pq"), 4U);
+    EXPECT_EQ(levelOf("p"), 6U);
 }
 
 TEST_F(TraceLevels, AreReportedOnceAndIgnoredWhenTheyAreBad)

@@ -2,9 +2,11 @@
 #include "StandardError.h"
 #include "TraceText.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
+
+#include <fnmatch.h>
 
 namespace qeltrace
 {
@@ -12,11 +14,10 @@ namespace qeltrace
 namespace
 {
 
-const char* const EveryChannel = "*";
-
 std::string environment(const char* variable)
 {
-    const char* text = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): read once, at start
+    // Who starts a program with more rights than their own does not choose what it writes to.
+    const char* text = ::secure_getenv(variable);
     return text == nullptr ? "" : text;
 }
 
@@ -35,6 +36,20 @@ std::optional<std::uint32_t> parseLevel(const std::string& text)
         return std::nullopt;
     }
     return static_cast<std::uint32_t>(text[0] - '0');
+}
+
+bool matches(const std::string& pattern, const std::string& channel)
+{
+    return ::fnmatch(pattern.c_str(), channel.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
+}
+
+/** How exactly a pattern says which channels it means: one, some or all. */
+int exactness(const std::string& pattern)
+{
+    if (pattern == "*") {
+        return 0;
+    }
+    return pattern.find_first_of("*?[") == std::string::npos ? 2 : 1;
 }
 
 } // namespace
@@ -63,31 +78,39 @@ TraceSettings::TraceSettings()
 
 std::optional<std::uint32_t> TraceSettings::levelOf(const std::string& channel) const
 {
-    for (const std::string& name : {channel, std::string(EveryChannel)}) {
-        const auto found = m_levels.find(name);
-        if (found != m_levels.end()) {
-            return found->second;
+    const LevelRule* best = nullptr;
+    for (const LevelRule& rule : m_levels) {
+        const bool isBetter =
+            best == nullptr || exactness(rule.pattern) >= exactness(best->pattern);
+        if (isBetter && matches(rule.pattern, channel)) {
+            best = &rule;
         }
     }
-    return std::nullopt;
+    return best == nullptr ? std::nullopt : std::optional(best->level);
 }
 
 void TraceSettings::readLevels(const std::string& levels)
 {
-    std::istringstream items(levels);
-    for (std::string item; std::getline(items, item, ',');) {
-        const std::size_t equals = item.rfind('=');
-        if (equals == std::string::npos || equals == 0 || item.find(' ') != std::string::npos) {
-            reportBadSetting("QELTRACE_LEVEL", item, "not of the form CHANNEL=LEVEL");
-            continue;
-        }
-        const std::optional<std::uint32_t> level = parseLevel(item.substr(equals + 1));
-        if (!level) {
-            reportBadSetting("QELTRACE_LEVEL", item, "the level is not one of 0 to 7");
-            continue;
-        }
-        m_levels[item.substr(0, equals)] = *level;
+    for (std::size_t begin = 0; begin < levels.size();) {
+        const std::size_t end = std::min(levels.find(',', begin), levels.size());
+        readLevel(levels.substr(begin, end - begin));
+        begin = end + 1;
     }
+}
+
+void TraceSettings::readLevel(const std::string& item)
+{
+    const std::size_t equals = item.rfind('=');
+    if (equals == std::string::npos || equals == 0 || item.find(' ') != std::string::npos) {
+        reportBadSetting("QELTRACE_LEVEL", item, "not of the form CHANNEL=LEVEL");
+        return;
+    }
+    const std::optional<std::uint32_t> level = parseLevel(item.substr(equals + 1));
+    if (!level) {
+        reportBadSetting("QELTRACE_LEVEL", item, "the level is not one of 0 to 7");
+        return;
+    }
+    m_levels.push_back({item.substr(0, equals), *level});
 }
 
 void TraceSettings::readOutput(const std::string& output)

@@ -2,9 +2,9 @@
 #define PLATFORM_LINUX_TRACE_TRACESETTINGS_H
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qeltrace
 {
@@ -25,18 +25,31 @@ public:
     /** The settings of this process, read at the first call. */
     static const TraceSettings& instance();
 
-    /** The level set for a channel, if any. */
+    /**
+     * The level set for a channel, if any.
+     *
+     * Of the patterns that match, a name comes before a pattern, and both before "*"; of several
+     * the last.
+     */
     std::optional<std::uint32_t> levelOf(const std::string& channel) const;
     Output output() const { return m_output; }
     /** File to append to, for Output::File. */
     const std::string& fileName() const { return m_fileName; }
 
 private:
+    /** The level of all channels whose names match the pattern. */
+    struct LevelRule
+    {
+        std::string pattern;
+        std::uint32_t level;
+    };
+
     TraceSettings();
     void readLevels(const std::string& levels);
+    void readLevel(const std::string& item);
     void readOutput(const std::string& output);
 
-    std::map<std::string, std::uint32_t> m_levels;
+    std::vector<LevelRule> m_levels;
     Output m_output = Output::Syslog;
     std::string m_fileName;
 };

@@ -1,0 +1,85 @@
+#include "Program.h"
+#include "TraceTest.h"
+
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace
+{
+
+/** Whether this process has more rights than who started it. */
+bool hasRaisedRights = false;
+
+} // namespace
+
+extern "C"
+{
+    char* __real_secure_getenv(const char* name);
+    char* __wrap_secure_getenv(const char* name);
+}
+
+char* __wrap_secure_getenv(const char* name)
+{
+    return hasRaisedRights ? nullptr : __real_secure_getenv(name);
+}
+
+namespace
+{
+
+using testing::SizeIs;
+using testsupport::Outcome;
+
+using TraceRights = testsupport::TraceTest;
+
+TEST_F(TraceRights, LetTheEnvironmentSaySomethingWhenTheyAreTheStartersOwn)
+{
+    setLevels("*=7");
+    EXPECT_EQ(levelOf("channel"), 7U);
+    HvxTrace channel("channel", 3);
+    write(channel, 7, "text");
+    EXPECT_THAT(lines(), SizeIs(1));
+}
+
+TEST_F(TraceRights, WhenRaisedLeaveTheEnvironmentUnheeded)
+{
+    hasRaisedRights = true;
+    setLevels("*=7");
+    EXPECT_EQ(levelOf("channel"), 3U);
+    HvxTrace channel("channel", 3);
+    write(channel, 1, "text");
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(TraceRights, WhenRaisedByTheSystemLeaveTheEnvironmentUnheeded)
+{
+    if (!std::string(BSP_TEST_EMULATOR).empty()) {
+        GTEST_SKIP() << "under an emulator, programs do not get the rights of their files";
+    }
+    const std::string program = directory.file("program");
+    std::filesystem::copy_file(TRACE_CLIENT, program);
+    struct statvfs fileSystem
+    {};
+    ASSERT_EQ(::statvfs(program.c_str(), &fileSystem), 0);
+    if ((fileSystem.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
+        GTEST_SKIP() << "here, programs do not get the rights of their files";
+    }
+    // A group's rights: as another user, the program might not reach its libraries.
+    constexpr gid_t OtherGroup = 65534;
+    if (::chown(program.c_str(), ::getuid(), OtherGroup) != 0) {
+        GTEST_SKIP() << "only root gives files to other groups";
+    }
+    testsupport::Program client{};
+    client.path = program;
+    client.arguments = {"channel", "1", "text"};
+    for (const mode_t mode : {0755U, 02755U}) {
+        std::filesystem::remove(file);
+        ASSERT_EQ(::chmod(program.c_str(), mode), 0);
+        const Outcome outcome = client.run();
+        EXPECT_EQ(outcome.out + outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(lines(), SizeIs(mode == 0755U ? 2 : 0));
+    }
+}
+
+} // namespace
