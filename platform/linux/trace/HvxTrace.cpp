@@ -1,4 +1,5 @@
 #include "HvxTrace.h"
+#include "OrDrop.h"
 #include "TraceChannel.h"
 #include "TraceOutput.h"
 
@@ -15,6 +16,7 @@ struct OpenMessage
     const HvxTraceHeader* header;
     std::string text;
     OpenMessage* next;
+    bool isWhole = true;
 };
 
 // A plain pointer: it can still be used while the thread's other objects are destroyed.
@@ -46,9 +48,10 @@ std::unique_ptr<OpenMessage> takeOpenMessage(const HvxTrace* channel)
 
 } // namespace
 
-HvxTrace::HvxTrace(const std::string& name, HvxTraceLevel level)
-    : m_state(&qeltrace::findChannel(name, level))
-{}
+HvxTrace::HvxTrace(const std::string& name, HvxTraceLevel level) : m_state(nullptr)
+{
+    qeltrace::doOrDrop([&] { m_state = &qeltrace::findChannel(name, level); });
+}
 
 HvxTrace::~HvxTrace()
 {
@@ -57,13 +60,16 @@ HvxTrace::~HvxTrace()
 
 void HvxTrace::beginLogMsg(HvxTraceLevel level, const HvxTraceHeader& header)
 {
-    openMessages = new OpenMessage{this, level, &header, {}, openMessages};
+    qeltrace::doOrDrop([&] {
+        openMessages = new OpenMessage{this, level, &header, {}, openMessages};
+    });
 }
 
 void HvxTrace::logMsgData(const char* data, unsigned int length)
 {
-    if (OpenMessage* message = findOpenMessage(this)) {
-        message->text.append(data, length);
+    OpenMessage* const message = findOpenMessage(this);
+    if (message != nullptr && !qeltrace::doOrDrop([&] { message->text.append(data, length); })) {
+        message->isWhole = false;
     }
 }
 
@@ -76,7 +82,9 @@ void HvxTrace::endLogMsg()
 {
     const std::unique_ptr<OpenMessage> message = takeOpenMessage(this);
     const auto* const channel = static_cast<const qeltrace::TraceChannel*>(m_state);
-    if (message && channel != nullptr && channel->writes(message->level)) {
-        qeltrace::emit(channel->name, message->level, *message->header, message->text);
+    if (message && message->isWhole && channel != nullptr && channel->writes(message->level)) {
+        qeltrace::doOrDrop([&] {
+            qeltrace::emit(channel->name, message->level, *message->header, message->text);
+        });
     }
 }

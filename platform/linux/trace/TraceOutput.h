@@ -8,7 +8,7 @@
 namespace qeltrace
 {
 
-/** Writes one message as one line to where the settings say; never fails the caller. */
+/** Writes one message as one line to where the settings say. */
 void emit(const std::string& channel, HvxTraceLevel level, const HvxTraceHeader& header,
           const std::string& text);
 
