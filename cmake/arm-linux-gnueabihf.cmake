@@ -1,4 +1,4 @@
-# 32-bit ARM hard-float Linux, built with Debian's cross compiler and run under qemu-arm.
+# 32-bit ARM hard-float Linux, built with Debian's cross compiler; its tests run under qemu-arm.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
@@ -29,7 +29,10 @@ set(ENV{PKG_CONFIG_LIBDIR}
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   -Wl,-rpath-link,${bsp_target_sysroot}/usr/lib/arm-linux-gnueabihf)
 
-find_program(BSP_QEMU_ARM qemu-arm REQUIRED)
-set(CMAKE_CROSSCOMPILING_EMULATOR
-  ${BSP_QEMU_ARM} -L ${bsp_target_libc}
-  -E LD_LIBRARY_PATH=${bsp_target_sysroot}/lib/arm-linux-gnueabihf:${bsp_target_sysroot}/usr/lib/arm-linux-gnueabihf)
+# For tests only.
+find_program(BSP_QEMU_ARM qemu-arm)
+if(BSP_QEMU_ARM)
+  set(CMAKE_CROSSCOMPILING_EMULATOR
+    ${BSP_QEMU_ARM} -L ${bsp_target_libc}
+    -E LD_LIBRARY_PATH=${bsp_target_sysroot}/lib/arm-linux-gnueabihf:${bsp_target_sysroot}/usr/lib/arm-linux-gnueabihf)
+endif()
