@@ -1,8 +1,8 @@
 // EEPROM, hardware variants and settings of the sample board.
 
-#include "BaseBoard.h"
 #include "NxuConfig.h"
 #include "NxuHwVariant.h"
+#include "SampleEeprom.h"
 
 #include <algorithm>
 #include <array>
@@ -11,14 +11,14 @@
 #error "the board's own header was not found first"
 #endif
 
-int e2prom_data_read(int device, int area, uint8_t* buffer)
+bool sample_eeprom(unsigned int offset, uint8_t* to, unsigned int size)
 {
     constexpr std::array<uint8_t, 8> code{0, 1, 2, 0, 0, 2, 0, 7};
-    if (device != 5 || area != 1) {
-        return -1;
+    if (offset + size > code.size()) {
+        return false;
     }
-    std::copy(code.begin(), code.end(), buffer);
-    return 0;
+    std::copy_n(code.begin() + offset, size, to);
+    return true;
 }
 
 namespace os
