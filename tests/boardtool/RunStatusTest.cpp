@@ -26,21 +26,21 @@ protected:
     }
 };
 
-TEST_F(RunStatus, IsTheCommands)
+TEST_P(RunStatus, IsTheCommands)
 {
     for (const int status : {0, 1, 2, 7, 126, 127, 255}) {
         EXPECT_EQ(shell("exit $1", {std::to_string(status)}).run().status, status);
     }
 }
 
-TEST_F(RunStatus, TellsTheSignalThatEndedTheCommand)
+TEST_P(RunStatus, TellsTheSignalThatEndedTheCommand)
 {
     for (const int signal : {SIGKILL, SIGTERM, SIGINT, SIGSEGV}) {
         EXPECT_EQ(shell("kill -$1 $$", {std::to_string(signal)}).run().status, 128 + signal);
     }
 }
 
-TEST_F(RunStatus, TellsThatThereIsNoSuchCommand)
+TEST_P(RunStatus, TellsThatThereIsNoSuchCommand)
 {
     for (const std::string name : {"nosuch", "./nosuch", "/nosuch/command", "b/eeprom/x", "-x", ""})
     {
@@ -49,7 +49,7 @@ TEST_F(RunStatus, TellsThatThereIsNoSuchCommand)
     }
 }
 
-TEST_F(RunStatus, TellsThatTheCommandCannotBeRun)
+TEST_P(RunStatus, TellsThatTheCommandCannotBeRun)
 {
     write("plain", "text");
     expectFailure(boardTool({"run", "b", "./plain"}),
@@ -61,50 +61,66 @@ TEST_F(RunStatus, TellsThatTheCommandCannotBeRun)
     expectFailure(program, "bsp-board: cannot run 'plain': Permission denied\n", 126);
 }
 
-TEST_F(RunStatus, WantsACommand)
+TEST_P(RunStatus, WantsACommand)
 {
     for (const Words& words : {Words{"run", "b"}, Words{"run", "b", "--"}}) {
         expectRefusal(words, "bsp-board: COMMAND is required\nTry 'bsp-board run --help'.\n", 2);
     }
 }
 
-TEST_F(RunStatus, WantsABoard)
+TEST_P(RunStatus, WantsABoard)
 {
-    expectRefusal({"run", "no", "true"}, "bsp-board: no board 'no': No such file or directory\n",
-                  1);
-    for (const std::string name : {"shm", "tmp", "leds"}) {
-        const std::string directory = fs::canonical(file("b") / fs::path(name));
-        fs::remove_all(directory);
-        expectRefusal({"run", "b", "true"},
-                      "bsp-board: there is no '" + directory +
-                          "': only a simulated board can run a command\n",
-                      1);
-        fs::create_directory(directory);
-    }
+    expectFailure(boardTool({"run", "no", "true"}),
+                  "bsp-board: no board 'no': No such file or directory\n", 125);
+    fs::create_directory(file("empty"));
+    const std::string empty = fs::canonical(file("empty"));
+    expectFailure(boardTool({"run", "empty", "true"}),
+                  "bsp-board: only a simulated board can run a command: '" + empty +
+                      "/shm' is no directory\n",
+                  125);
+    EXPECT_TRUE(fs::is_empty(empty));
 }
 
-TEST_F(RunStatus, SaysHowToGetBubblewrap)
+TEST_P(RunStatus, WantsAWorkingDirectory)
 {
-    Program program = boardTool({"run", "b", "true"});
-    program.environment["PATH"] = file("b");
+    Program program = boardTool({"run", fs::canonical(file("b")), "true"});
+    fs::create_directory(file("gone"));
+    program.directory = file("gone");
+    program.prepare = [this] { ::rmdir(file("gone").c_str()); };
     expectFailure(program,
-                  "bsp-board: cannot find bwrap, which runs commands on a board: install "
-                  "bubblewrap (on Debian: apt-get install bubblewrap)\n",
-                  1);
+                  "bsp-board: cannot find the working directory: No such file or directory\n", 125);
 }
 
-TEST_F(RunStatus, IsBubblewrapsWhenItCannotPrepareTheBoard)
+TEST_P(RunStatus, RefusesABoardThatLeadsElsewhere)
 {
-    fs::create_directory(file("bin"));
-    Program program = boardTool({"run", "b", "/bin/true"});
-    program.environment["PATH"] = file("bin");
-    writeScript(file("bin/bwrap"), "echo bwrap: sorry >&2; exit 1");
-    expectFailure(program, "bwrap: sorry\n", 1);
-    writeScript(file("bin/bwrap"), "kill -KILL $$");
-    expectFailure(program, "", 137);
+    fs::create_directory(file("elsewhere"));
+    for (const std::string name :
+         {"shm", "tmp", "leds", "leds/red", "leds/green/trigger", "leds/yellow/korvanta_state"})
+    {
+        const std::string path = fs::canonical(file("b")).string() + '/' + name;
+        fs::rename(path, file("original"));
+        fs::create_symlink(file("elsewhere"), path);
+        expectFailure(
+            boardTool({"run", "b", "true"}),
+            "bsp-board: only a simulated board can run a command: '" + path + "' is a link\n", 125);
+        fs::remove(path);
+        fs::rename(file("original"), path);
+    }
+    expectOutput(boardTool({"run", "b", "true"}), "");
 }
 
-TEST_F(RunStatus, SignalsReachTheCommand)
+TEST_P(RunStatus, MakesTheDirectoriesThatAnArchiveLost)
+{
+    for (const std::string name : {"shm", "tmp", "leds"}) {
+        fs::remove_all(file("b/" + name));
+    }
+    expectOutput(shell("echo x > /dev/shm/m; echo y > /tmp/f; ls /sys/class/leds"), "");
+    EXPECT_EQ(contents("b/shm/m"), "x\n");
+    EXPECT_EQ(contents("b/tmp/f"), "y\n");
+    EXPECT_EQ(fs::status(file("b/tmp")).permissions(), fs::perms::all | fs::perms::sticky_bit);
+}
+
+TEST_P(RunStatus, SignalsReachTheCommand)
 {
     const std::vector<std::pair<int, std::string>> signals{{SIGHUP, "HUP"},   {SIGINT, "INT"},
                                                            {SIGQUIT, "QUIT"}, {SIGTERM, "TERM"},
@@ -117,13 +133,13 @@ TEST_F(RunStatus, SignalsReachTheCommand)
     }
 }
 
-TEST_F(RunStatus, SignalsEndTheCommand)
+TEST_P(RunStatus, SignalsEndTheCommand)
 {
     const pid_t process = shell("touch ready; exec sleep 60").start();
     EXPECT_EQ(statusAfter(process, SIGTERM), 128 + SIGTERM);
 }
 
-TEST_F(RunStatus, IgnoredSignalsStayIgnored)
+TEST_P(RunStatus, IgnoredSignalsStayIgnored)
 {
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator passes no ignored signals on";
@@ -133,14 +149,14 @@ TEST_F(RunStatus, IgnoredSignalsStayIgnored)
     expectOutput(program, "alive\n");
 }
 
-TEST_F(RunStatus, NoticesTheEndThoughItsParentIgnoresEnds)
+TEST_P(RunStatus, NoticesTheEndThoughItsParentIgnoresEnds)
 {
     Program program = shell("exit 7");
     program.prepare = [] { std::signal(SIGCHLD, SIG_IGN); };
     EXPECT_EQ(program.run().status, 7);
 }
 
-TEST_F(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
+TEST_P(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
 {
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator lets no process adopt others";
@@ -174,7 +190,7 @@ TEST_F(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
     ::close(terminal);
 }
 
-TEST_F(RunStatus, OrdinaryUsersRunCommandsToo)
+TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
 {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "the other cases ran as an ordinary user";
@@ -185,13 +201,10 @@ TEST_F(RunStatus, OrdinaryUsersRunCommandsToo)
             ::_exit(99);
         }
     };
-    Program probe{};
-    probe.path = "bwrap";
-    probe.foreign = true;
-    probe.arguments = {"--dev-bind", "/", "/", testsupport::tool("bsp-board").path, "variants"};
+    Program probe = boardTool({"variants"});
     probe.prepare = becomeNobody;
-    if (probe.run().status != 0 && std::string(BSP_TEST_EMULATOR).empty()) {
-        GTEST_SKIP() << "ordinary users cannot use bubblewrap or this build here";
+    if (probe.run().status != 0) {
+        GTEST_SKIP() << "ordinary users cannot use this build here";
     }
     fs::permissions(fs::path(file("b")).parent_path(), fs::perms::all);
     Program create = boardTool({"create", "theirs"});
@@ -204,5 +217,8 @@ TEST_F(RunStatus, OrdinaryUsersRunCommandsToo)
     EXPECT_EQ(contents("theirs/shm/m"), "x\n");
     EXPECT_EQ(contents("theirs/tmp/f"), "x\n");
 }
+
+INSTANTIATE_TEST_SUITE_P(Isolated, RunStatus, testing::Values("", "--isolate=proot"),
+                         nameOfIsolation);
 
 } // namespace

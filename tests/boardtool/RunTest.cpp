@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_F(Run, GivesTheCommandTheBoardsOwnDirectories)
+TEST_P(Run, GivesTheCommandTheBoardsOwnDirectories)
 {
     expectOutput(shell("echo memory > /dev/shm/m; echo file > /tmp/f; ls /sys/class/leds;"
                        "cat /sys/class/leds/green/*; printf slow 1<> /sys/class/leds/red/trigger"),
@@ -34,7 +34,7 @@ TEST_F(Run, GivesTheCommandTheBoardsOwnDirectories)
     EXPECT_EQ(contents("b/leds/red/trigger"), "slow [korvanta]\n");
 }
 
-TEST_F(Run, LeavesNothingOnTheHost)
+TEST_P(Run, LeavesNothingOnTheHost)
 {
     const std::string name = fs::path(file("b")).parent_path().filename().string() + "-mark";
     expectOutput(shell("touch /dev/shm/$1 /tmp/$1 /sys/class/leds/$1", {name}), "");
@@ -46,7 +46,7 @@ TEST_F(Run, LeavesNothingOnTheHost)
     EXPECT_FALSE(fs::exists("/sys/class/leds/" + name));
 }
 
-TEST_F(Run, KeepsTheDirectoriesFromCommandToCommand)
+TEST_P(Run, KeepsTheDirectoriesFromCommandToCommand)
 {
     expectOutput(shell("echo memory > /dev/shm/m; echo file > /tmp/f"), "");
     expectOutput(shell("cat /dev/shm/m /tmp/f"), "memory\nfile\n");
@@ -54,7 +54,7 @@ TEST_F(Run, KeepsTheDirectoriesFromCommandToCommand)
     expectOutput(shell("ls /dev/shm; ls -d /tmp/f 2>&1 >/dev/null | grep -c f"), "1\n");
 }
 
-TEST_F(Run, TellsTheCommandWhereItsBoardIs)
+TEST_P(Run, TellsTheCommandWhereItsBoardIs)
 {
     const std::string board = fs::canonical(file("b"));
     fs::create_directory_symlink("b", file("link"));
@@ -66,7 +66,7 @@ TEST_F(Run, TellsTheCommandWhereItsBoardIs)
     }
 }
 
-TEST_F(Run, MovesTheDirectoryForTemporaryFiles)
+TEST_P(Run, MovesTheDirectoryForTemporaryFiles)
 {
     Program program = shell("echo ${TMPDIR-none}");
     program.environment["TMPDIR"] = "/tmp/somewhere";
@@ -76,7 +76,7 @@ TEST_F(Run, MovesTheDirectoryForTemporaryFiles)
     expectOutput(program, "none\n");
 }
 
-TEST_F(Run, KeepsTheWorkingDirectory)
+TEST_P(Run, KeepsTheWorkingDirectory)
 {
     const TemporaryDirectory other;
     for (const std::string directory : {"/", "/usr/bin", "/tmp", "/dev/shm", other.path().c_str()})
@@ -92,7 +92,7 @@ TEST_F(Run, KeepsTheWorkingDirectory)
     EXPECT_EQ(testsupport::readFile(other.file("file")), "text\nmore\n");
 }
 
-TEST_F(Run, WorksWhereverTheBoardIs)
+TEST_P(Run, WorksWhereverTheBoardIs)
 {
     for (const char* place : {"/dev/shm", "/var/tmp", "."}) {
         ::setenv("TMPDIR", fs::absolute(place).c_str(), 1);
@@ -110,7 +110,7 @@ TEST_F(Run, WorksWhereverTheBoardIs)
     }
 }
 
-TEST_F(Run, FindsProgramsThatTheBoardsDirectoriesHide)
+TEST_P(Run, FindsProgramsThatTheBoardsDirectoriesHide)
 {
     const TemporaryDirectory programs;
     writeScript(programs.file("greet"), "echo hello $1 from $0");
@@ -134,7 +134,7 @@ TEST_F(Run, FindsProgramsThatTheBoardsDirectoriesHide)
     expectOutput(relative, "hello world from ./greet\n");
 }
 
-TEST_F(Run, PrefersTheBoardsOwnPrograms)
+TEST_P(Run, PrefersTheBoardsOwnPrograms)
 {
     const TemporaryDirectory programs;
     writeScript(programs.file("greet"), "echo host");
@@ -146,7 +146,7 @@ TEST_F(Run, PrefersTheBoardsOwnPrograms)
     expectOutput(boardTool({"run", "b", programs.file("greet")}), "host\n");
 }
 
-TEST_F(Run, CanUseAFileThatIsAllAloneInAHiddenDirectory)
+TEST_P(Run, CanUseAFileThatIsAllAloneInAHiddenDirectory)
 {
     const TemporaryDirectory directory;
     const std::string name = "/tmp/" + directory.path().filename().string() + ".sh";
@@ -157,7 +157,7 @@ TEST_F(Run, CanUseAFileThatIsAllAloneInAHiddenDirectory)
     fs::remove(name);
 }
 
-TEST_F(Run, PassesTheWordsOnUntouched)
+TEST_P(Run, PassesTheWordsOnUntouched)
 {
     const Words words{"[a,b]", "", "--", "--help", "-x", "*", "a b", "\\", "\xFF\n"};
     std::string expected;
@@ -167,7 +167,7 @@ TEST_F(Run, PassesTheWordsOnUntouched)
     expectOutput(shell("printf '<%s>' \"$@\"", words), expected);
 }
 
-TEST_F(Run, TakesTheMarkInFrontOfTheCommandOrNot)
+TEST_P(Run, TakesTheMarkInFrontOfTheCommandOrNot)
 {
     expectOutput(boardTool({"run", "b", "echo", "--", "-n"}), "-- -n\n");
     expectOutput(boardTool({"run", "b", "--", "echo", "--", "-n"}), "-- -n\n");
@@ -177,7 +177,7 @@ TEST_F(Run, TakesTheMarkInFrontOfTheCommandOrNot)
     expectOutput(boardTool({"run", "--", "-b", "echo", "x"}), "x\n");
 }
 
-TEST_F(Run, LeavesTheStreamsAlone)
+TEST_P(Run, LeavesTheStreamsAlone)
 {
     write("input", "some input\n");
     Program program = shell("cat; echo error >&2");
@@ -189,7 +189,7 @@ TEST_F(Run, LeavesTheStreamsAlone)
     EXPECT_EQ(outcome.status, 0);
 }
 
-TEST_F(Run, OpensNothingForTheCommand)
+TEST_P(Run, OpensNothingForTheCommand)
 {
     const Program direct = [this] {
         Program program = shell("");
@@ -201,7 +201,7 @@ TEST_F(Run, OpensNothingForTheCommand)
     expectOutput(shell("echo /proc/self/fd/*"), direct.run().out);
 }
 
-TEST_F(Run, KeepsBoardsApart)
+TEST_P(Run, KeepsBoardsApart)
 {
     constexpr const char* script =
         "echo $1 > /dev/shm/v; echo $1 > /tmp/v; echo $1 > /sys/class/leds/v;"
@@ -222,7 +222,7 @@ TEST_F(Run, KeepsBoardsApart)
     }
 }
 
-TEST_F(Run, LetsCommandsShareABoard)
+TEST_P(Run, LetsCommandsShareABoard)
 {
     const pid_t first =
         shell("until test -e /dev/shm/from2; do sleep 0.01; done; touch /dev/shm/from1").start();
@@ -232,7 +232,7 @@ TEST_F(Run, LetsCommandsShareABoard)
     EXPECT_EQ(testsupport::waitFor(second), 0);
 }
 
-TEST_F(Run, RunsTheToolsOnTheBoard)
+TEST_P(Run, RunsTheToolsOnTheBoard)
 {
     expectQuiet({"create", "nxu", "--product", "NXU2002"});
     expectOutput(tool("nxu", "bsp", {"getProductId"}), "NXU2002\n");
@@ -242,7 +242,7 @@ TEST_F(Run, RunsTheToolsOnTheBoard)
     expectOutput(tool("nxu", "bsp", {"getRadiolinkMode"}), "Rl4\n");
 }
 
-TEST_F(Run, LetsTheToolSetTheBoardsLeds)
+TEST_P(Run, LetsTheToolSetTheBoardsLeds)
 {
     expectOutput(tool("b", "led", {"setState", "green", "slow"}), "");
     expectOutput(tool("b", "led", {"setState", "red", "interrupting"}), "");
@@ -253,5 +253,7 @@ TEST_F(Run, LetsTheToolSetTheBoardsLeds)
     expectQuiet({"restart", "b", "warm"});
     EXPECT_THAT(run({"show", "b"}).out, HasSubstr("\nLED green       steady_off\n"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Isolated, Run, testing::Values("", "--isolate=proot"), nameOfIsolation);
 
 } // namespace

@@ -7,11 +7,28 @@
 #include <filesystem>
 #include <thread>
 
-/** Runs commands on a board "b". */
-class RunTest : public BoardToolTest
+/** Runs commands on a board "b", isolated as the parameter says: with that word of `run`, if any.
+ */
+class RunTest : public BoardToolTest, public testing::WithParamInterface<std::string>
 {
 protected:
-    void SetUp() override { expectQuiet({"create", "b", "--product", "KT4851_4"}); }
+    void SetUp() override
+    {
+        if (isProot() && !std::string(BSP_TEST_EMULATOR).empty()) {
+            GTEST_SKIP() << "proot cannot start this program for another machine once more";
+        }
+        expectQuiet({"create", "b", "--product", "KT4851_4"});
+    }
+
+    static bool isProot() { return GetParam() == "--isolate=proot"; }
+
+    testsupport::Program boardTool(Words words) const
+    {
+        if (!words.empty() && words.front() == "run" && !GetParam().empty()) {
+            words.insert(words.begin() + 1, GetParam());
+        }
+        return BoardToolTest::boardTool(std::move(words));
+    }
 
     /** `bsp-board run b -- sh -c SCRIPT sh ARGUMENTS...` */
     testsupport::Program shell(const std::string& script, const Words& arguments = {}) const
@@ -53,5 +70,11 @@ protected:
         }
     }
 };
+
+/** The cases' names: by the isolation that is asked for. */
+inline std::string nameOfIsolation(const testing::TestParamInfo<std::string>& info)
+{
+    return info.param.empty() ? "chosen" : info.param.substr(info.param.find('=') + 1);
+}
 
 #endif

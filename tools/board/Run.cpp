@@ -1,9 +1,10 @@
 #include "Run.h"
 
+#include "CommandRunner.h"
 #include "Executable.h"
+#include "ExitStatus.h"
 #include "Failure.h"
-#include "Sandbox.h"
-#include "Supervisor.h"
+#include "Isolators.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -12,23 +13,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-enum Status
-{
-    NotRunnable = 126,
-    NotFound = 127
-};
-
-fs::path findBubblewrap()
-{
-    for (const fs::path& file : executable::candidates("bwrap")) {
-        if (executable::whyNot(file) == 0) {
-            return file;
-        }
-    }
-    throw Failure("cannot find bwrap, which runs commands on a board: install bubblewrap "
-                  "(on Debian: apt-get install bubblewrap)");
-}
 
 void keepVisible(Sandbox& sandbox, const fs::path& path)
 {
@@ -55,6 +39,20 @@ int findCommand(Sandbox& sandbox, const std::string& command)
     return error;
 }
 
+/** The same on the host; what is between this program and the command finds it by itself. */
+int findCommand(const std::string& command)
+{
+    int error = ENOENT;
+    for (const fs::path& candidate : executable::candidates(command)) {
+        const int reason = executable::whyNot(candidate);
+        if (reason == 0) {
+            return 0;
+        }
+        error = reason == ENOENT || reason == ENOTDIR ? error : reason;
+    }
+    return error;
+}
+
 int reportUnusable(const std::string& command, int error)
 {
     const bool missing = error == ENOENT;
@@ -65,30 +63,54 @@ int reportUnusable(const std::string& command, int error)
     return missing ? NotFound : NotRunnable;
 }
 
-void addEnvironment(std::vector<std::string>& words, const Board& board)
+int runIsolated(const Board& board, const std::vector<std::string>& command,
+                const RunOptions& options)
 {
-    words.insert(words.end(), {"--setenv", "BSP_BOARD_DIR", board.directory().string()});
-    if (std::getenv("TMPDIR") != nullptr) { // NOLINT(concurrency-mt-unsafe): one thread
-        words.insert(words.end(), {"--setenv", "TMPDIR", "/tmp"});
+    const fs::path workingDirectory = fs::current_path();
+    Sandbox sandbox(board);
+    sandbox.keepVisible(workingDirectory);
+    sandbox.keepListed("PATH");
+    sandbox.keepListed("LD_LIBRARY_PATH");
+    for (const fs::path& path : options.visible) {
+        sandbox.show(path);
     }
+    if (const int error = findCommand(sandbox, command.front())) {
+        return reportUnusable(command.front(), error);
+    }
+    Launch launch = chooseIsolator(sandbox, board, options.isolation, workingDirectory);
+    launch.command = command;
+    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    if (std::getenv("TMPDIR") != nullptr) { // NOLINT(concurrency-mt-unsafe): one thread
+        launch.environment.emplace_back("TMPDIR", "/tmp");
+    }
+    return supervise(launch);
+}
+
+int runAlone(const Board& board, const std::vector<std::string>& command)
+{
+    if (const int error = findCommand(command.front())) {
+        return reportUnusable(command.front(), error);
+    }
+    Launch launch;
+    launch.command = command;
+    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    return supervise(launch);
 }
 
 } // namespace
 
-int runOnBoard(const Board& place, const std::vector<std::string>& command)
+int runOnBoard(const Board& place, const std::vector<std::string>& command,
+               const RunOptions& options)
 {
-    // A program on the board may not see the links that lead there.
-    const Board board(fs::canonical(place.directory()));
-    const fs::path bubblewrap = findBubblewrap();
-    const fs::path workingDirectory = fs::current_path();
-    Sandbox sandbox(board);
-    sandbox.keepVisible(workingDirectory);
-    if (const int error = findCommand(sandbox, command.front())) {
-        return reportUnusable(command.front(), error);
+    try {
+        // A program on the board may not see the links that lead there.
+        const Board board(fs::canonical(place.directory()));
+        return options.isolation == Isolation::None ? runAlone(board, command)
+                                                    : runIsolated(board, command, options);
+    } catch (const fs::filesystem_error& error) {
+        const std::string path = error.path1().string();
+        throw Failure(path.empty() ? "cannot find the working directory"
+                                   : "cannot use '" + path + "'",
+                      error.code().value());
     }
-    std::vector<std::string> words = sandbox.words();
-    addEnvironment(words, board);
-    words.insert(words.end(), {"--chdir", workingDirectory.string(), "--"});
-    words.insert(words.end(), command.begin(), command.end());
-    return superviseBubblewrap(bubblewrap, words);
 }

@@ -14,6 +14,11 @@
 class Sandbox
 {
 public:
+    /**
+     * Makes the directories that a board has and its archive lost because they were empty.
+     *
+     * @throws Failure when this is no simulated board
+     */
     explicit Sandbox(const Board& board);
 
     /**
@@ -22,6 +27,15 @@ public:
      */
     void keepVisible(const std::filesystem::path& path);
 
+    /** Keeps just this path of the host visible, whatever the board has there. @throws Failure */
+    void show(const std::filesystem::path& path);
+
+    /**
+     * Keeps directories of the host visible that a variable lists, such as PATH, except where the
+     * board has a directory of its own with something in it.
+     */
+    void keepListed(const char* variable);
+
     /** Where a path of the board lies on the host, should it be one of the board's own files. */
     std::filesystem::path onHost(const std::filesystem::path& path) const;
 
@@ -29,7 +43,10 @@ public:
     static bool isHidden(const std::filesystem::path& path);
 
     /** The words that tell bubblewrap all this. */
-    std::vector<std::string> words() const;
+    std::vector<std::string> wordsForBubblewrap() const;
+
+    /** The same for proot, started in the board's directory. @throws Failure */
+    std::vector<std::string> wordsForProot() const;
 
 private:
     /** A directory of the host that the board has one of its own for. */
@@ -41,6 +58,7 @@ private:
 
     std::vector<Replacement> m_replacements;
     std::vector<std::filesystem::path> m_visible;
+    std::vector<std::filesystem::path> m_shown;
     std::filesystem::path m_leds;
 };
 

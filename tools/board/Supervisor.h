@@ -3,19 +3,41 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
+/** How to start a command. */
+struct Launch
+{
+    enum class Through
+    {
+        Bubblewrap,
+        Proot,
+        Nothing
+    };
+
+    Through through = Through::Nothing;
+    /** bubblewrap or proot. */
+    std::filesystem::path program;
+    std::vector<std::string> programsWords;
+    std::vector<std::string> command;
+    /** The directory that the words' relative paths start at, where that is another. */
+    std::filesystem::path directory;
+    std::vector<std::pair<std::string, std::string>> environment;
+    /** What to say when proot is not allowed its work here; its own words and ')' follow. */
+    std::string refusal;
+};
+
 /**
- * Runs a command through bubblewrap and waits for its end.
+ * Starts a command and waits for its end.
  *
- * Signals that are sent to this process go to the command. Where a signal of the terminal ends
- * bubblewrap but not the command, the command is waited for all the same.
+ * Signals that are sent to this process go to the command. When this process is killed, so is all
+ * that the command has started. Where a signal of the terminal ends bubblewrap but not the command,
+ * the command is waited for all the same.
  *
- * @param bubblewrap  the program
- * @param words       its words; the command's words come last
- * @return the command's exit status, 128 + N when signal N ended it
+ * @return the command's exit status, 128 + N when signal N ended it, 125 when it was not started;
+ *         then standard error says why
  */
-int superviseBubblewrap(const std::filesystem::path& bubblewrap,
-                        const std::vector<std::string>& words);
+int supervise(const Launch& launch);
 
 #endif

@@ -1,3 +1,4 @@
+#include "CommandRunner.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "StandardStreams.h"
@@ -62,6 +63,9 @@ int parseAndRun(CLI::App& app, std::vector<std::string> arguments)
 
 int runTool(std::vector<std::string> arguments)
 {
+    if (isCommandRunner(arguments)) {
+        return runCommand(arguments);
+    }
     const std::vector<std::string> words = takeCommandWords(arguments);
     int commandStatus = 0;
     CLI::App app("Boards on the desk: directories that stand for a board.", "bsp-board");

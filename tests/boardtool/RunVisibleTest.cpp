@@ -1,0 +1,120 @@
+#include "RunTestBase.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using testsupport::Program;
+using testsupport::TemporaryDirectory;
+
+/** Puts the temporary directories of a scope below another directory. */
+class TemporaryPlace
+{
+public:
+    explicit TemporaryPlace(const char* place)
+    {
+        const char* const former = std::getenv("TMPDIR");
+        m_former = former == nullptr ? "" : former;
+        ::setenv("TMPDIR", place, 1);
+    }
+    ~TemporaryPlace()
+    {
+        m_former.empty() ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", m_former.c_str(), 1);
+    }
+    TemporaryPlace(const TemporaryPlace&) = delete;
+    TemporaryPlace& operator=(const TemporaryPlace&) = delete;
+
+private:
+    std::string m_former;
+};
+
+/** Paths of the host below /tmp and /dev/shm that a board shows. */
+class RunVisible : public RunTest
+{};
+
+TEST_P(RunVisible, PathsOnRequest)
+{
+    for (const char* place : {"/tmp", "/dev/shm"}) {
+        const TemporaryPlace temporary(place);
+        const TemporaryDirectory host;
+        fs::create_directory(host.path() / "folder");
+        testsupport::writeFile(host.file("folder/inside"), "inside\n");
+        testsupport::writeFile(host.file("file"), "text\n");
+        testsupport::writeFile(host.file("other"), "other\n");
+        const Words command{"/bin/sh", "-c",
+                            "cd $0; cat file folder/inside; cat other; echo $?;"
+                            "echo more >> file",
+                            host.path()};
+        Words words{"run", "--bind", host.file("folder"), "--bind=" + host.file("file"), file("b")};
+        words.insert(words.end(), command.begin(), command.end());
+        Program program = boardTool(words);
+        program.directory = "/";
+        program.merged = true;
+        EXPECT_EQ(program.run().out, "text\ninside\ncat: other: No such file or directory\n1\n");
+        EXPECT_EQ(testsupport::readFile(host.file("file")), "text\nmore\n");
+    }
+}
+
+TEST_P(RunVisible, PathsRelativeToTheWorkingDirectory)
+{
+    const TemporaryDirectory host;
+    testsupport::writeFile(host.file("file"), "text\n");
+    const fs::path relative = fs::relative(host.path(), fs::path(file("b")).parent_path());
+    expectOutput(boardTool({"run", "--bind", relative / "file", "b", "cat", host.file("file")}),
+                 "text\n");
+}
+
+TEST_P(RunVisible, OnlyWhatThereIs)
+{
+    expectFailure(boardTool({"run", "--bind", "nosuch", "b", "true"}),
+                  "bsp-board: cannot show 'nosuch': No such file or directory\n", 125);
+}
+
+TEST_P(RunVisible, TheFoldersOfPrograms)
+{
+    const TemporaryDirectory programs;
+    const TemporaryDirectory libraries;
+    fs::create_directory(programs.path() / "bin");
+    writeScript(programs.file("bin/greet"), "echo hello");
+    testsupport::writeFile(libraries.file("library"), "text\n");
+    for (int i = 0; i < 2; ++i) {
+        Program program =
+            boardTool({"run", file("b"), "sh", "-c", "greet; cat $LD_LIBRARY_PATH/*"});
+        program.directory = "/";
+        program.environment["PATH"] =
+            "/tmp/no/such:" + programs.file("bin") + ':' + std::getenv("PATH");
+        program.environment["LD_LIBRARY_PATH"] = libraries.path();
+        expectOutput(program, "hello\ntext\n");
+    }
+}
+
+TEST_P(RunVisible, TheBoardsOwnFoldersOfPrograms)
+{
+    const TemporaryDirectory programs;
+    writeScript(programs.file("greet"), "echo host");
+    const fs::path own = file("b/tmp") / programs.path().filename();
+    fs::create_directory(own);
+    writeScript(own / "greet", "echo board");
+    Program program = boardTool({"run", file("b"), "sh", "-c", "greet"});
+    program.directory = "/";
+    program.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
+    expectOutput(program, "board\n");
+}
+
+TEST_P(RunVisible, TheBoardsFilesToAllKindsOfSystemCalls)
+{
+    expectOutput(shell("cd /tmp; mkdir d; echo text > d/a; mv d/a b; ln b c; ln -s /tmp/c link;"
+                       "flock c cat link; stat -c %s b; mv c /dev/shm/c; ls -i /dev/shm/c | wc -l;"
+                       "cp -a b link /dev/shm; rm -r d; find /dev/shm -type l"),
+                 "text\n5\n1\n/dev/shm/link\n");
+    EXPECT_EQ(contents("b/shm/c"), "text\n");
+    EXPECT_EQ(contents("b/tmp/b"), "text\n");
+    EXPECT_EQ(contents("b/shm/b"), "text\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Isolated, RunVisible, testing::Values("", "--isolate=proot"),
+                         nameOfIsolation);
+
+} // namespace
