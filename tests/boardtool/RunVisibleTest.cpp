@@ -79,13 +79,14 @@ TEST_P(RunVisible, TheFoldersOfPrograms)
     fs::create_directory(programs.path() / "bin");
     writeScript(programs.file("bin/greet"), "echo hello");
     testsupport::writeFile(libraries.file("library"), "text\n");
+    fs::create_directory_symlink(libraries.path(), file("link"));
     for (int i = 0; i < 2; ++i) {
         Program program =
             boardTool({"run", file("b"), "sh", "-c", "greet; cat $LD_LIBRARY_PATH/*"});
         program.directory = "/";
         program.environment["PATH"] =
             "/tmp/no/such:" + programs.file("bin") + ':' + std::getenv("PATH");
-        program.environment["LD_LIBRARY_PATH"] = libraries.path();
+        program.environment["LD_LIBRARY_PATH"] = file("link");
         expectOutput(program, "hello\ntext\n");
     }
 }

@@ -159,12 +159,13 @@ void Sandbox::keepListed(const char* variable)
     const char* const value = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): one thread
     std::istringstream directories(value == nullptr ? "" : value);
     for (std::string name; std::getline(directories, name, ':');) {
-        const fs::path directory = name;
         std::error_code ignored;
-        const bool boardHasIt =
-            fs::exists(onHost(directory), ignored) && !fs::is_empty(onHost(directory), ignored);
-        if (isHidden(directory) && !boardHasIt && fs::is_directory(directory, ignored)) {
-            keepVisible(directory);
+        for (const fs::path& directory : {fs::path(name), fs::canonical(name, ignored)}) {
+            const bool boardHasIt =
+                fs::exists(onHost(directory), ignored) && !fs::is_empty(onHost(directory), ignored);
+            if (isHidden(directory) && !boardHasIt && fs::is_directory(directory, ignored)) {
+                keepVisible(directory);
+            }
         }
     }
 }
