@@ -14,6 +14,7 @@ namespace
 {
 
 std::function<void()> beforeLock = [] {};
+std::function<void()> afterResolving = [] {};
 
 } // namespace
 
@@ -22,6 +23,8 @@ extern "C"
 {
     int __real_fcntl64(int fd, int command, void* argument);
     int __wrap_fcntl64(int fd, int command, void* argument);
+    char* __real_realpath(const char* path, char* result);
+    char* __wrap_realpath(const char* path, char* result);
 }
 
 int __wrap_fcntl64(int fd, int command, void* argument)
@@ -30,6 +33,15 @@ int __wrap_fcntl64(int fd, int command, void* argument)
         beforeLock();
     }
     return __real_fcntl64(fd, command, argument);
+}
+
+char* __wrap_realpath(const char* path, char* result)
+{
+    char* const real = __real_realpath(path, result);
+    const int error = errno;
+    afterResolving();
+    errno = error;
+    return real;
 }
 
 namespace
@@ -49,6 +61,12 @@ using testsupport::WatchedDisk;
 class ConfigPowerCut : public testing::Test
 {
 protected:
+    ~ConfigPowerCut() override
+    {
+        beforeLock = [] {};
+        afterResolving = [] {};
+    }
+
     /** What the key has on a board with that store. */
     std::string valueIn(const std::optional<std::string>& store) const
     {
@@ -225,6 +243,13 @@ TEST_F(ConfigPowerCut, TakesNoLockThatIsWorthNothingByNow)
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(locks, 2);
     EXPECT_THAT(entries(), ElementsAre("settings"));
+}
+
+TEST_F(ConfigPowerCut, ChangesAStoreThatAnotherMadeAfterTheFirstLook)
+{
+    afterResolving = [&] { board.write("settings", "other=1\n"); };
+    EXPECT_TRUE(config.set("key", "value"));
+    EXPECT_EQ(readFile(board.file("settings")), "other=1\nkey=value\n");
 }
 
 TEST_F(ConfigPowerCut, LeavesALockThatIsAnothersByNow)

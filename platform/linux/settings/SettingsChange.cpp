@@ -14,7 +14,7 @@ namespace settings
 namespace
 {
 
-/** The path without links; the path itself when there is nothing. */
+/** The path without links; the path itself when there was nothing. */
 std::string resolved(const std::string& path)
 {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
@@ -24,7 +24,8 @@ std::string resolved(const std::string& path)
     }
     struct stat entry
     {};
-    if (errno == ENOENT && ::lstat(path.c_str(), &entry) == 0) {
+    // A file that is no link was made meanwhile.
+    if (errno == ENOENT && ::lstat(path.c_str(), &entry) == 0 && S_ISLNK(entry.st_mode)) {
         throw std::runtime_error("a link to nowhere");
     }
     return path;
