@@ -5,7 +5,29 @@
 #include <iterator>
 #include <sstream>
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
+
+testsupport::Program BoardToolTest::boardToolOfOrdinaryUser(Words words) const
+{
+    constexpr uid_t ordinaryUser = 65534;
+    testsupport::Program program = boardTool(std::move(words));
+    if (::geteuid() != 0) {
+        return program;
+    }
+    // Others may be unable to come to where it was built.
+    const std::string copy = file("bsp-board");
+    fs::copy_file(program.path, copy, fs::copy_options::overwrite_existing);
+    fs::permissions(m_directory.path(), fs::perms::all);
+    program.path = copy;
+    program.prepare = [] {
+        if (::setuid(ordinaryUser) != 0) {
+            ::_exit(125);
+        }
+    };
+    return program;
+}
 
 void BoardToolTest::expectQuiet(Words words) const
 {
@@ -44,11 +66,12 @@ std::vector<std::string> BoardToolTest::entries(const std::string& directory) co
     return names;
 }
 
-std::vector<std::string> BoardToolTest::everything() const
+std::vector<std::string> BoardToolTest::everything(const std::string& directory) const
 {
     std::vector<std::string> lines;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(m_directory.path())) {
-        std::string line = entry.path().lexically_relative(m_directory.path()).string();
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(file(directory))) {
+        std::string line =
+            entry.path().lexically_normal().lexically_relative(m_directory.path()).string();
         if (entry.is_regular_file()) {
             line += '=' + testsupport::readFile(entry.path().string());
         }

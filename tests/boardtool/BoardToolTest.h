@@ -27,6 +27,9 @@ protected:
     }
     testsupport::Outcome run(Words words) const { return boardTool(std::move(words)).run(); }
 
+    /** bsp-board for somebody who is not root, even when root runs the tests. */
+    testsupport::Program boardToolOfOrdinaryUser(Words words) const;
+
     /** Runs it and expects that it succeeds without a word. */
     void expectQuiet(Words words) const;
 
@@ -50,8 +53,8 @@ protected:
     /** Names of what is in a directory, in order. */
     std::vector<std::string> entries(const std::string& directory) const;
 
-    /** The paths of all that is in the test case's directory, files with their contents. */
-    std::vector<std::string> everything() const;
+    /** The paths of all that is in a directory, files with their contents. */
+    std::vector<std::string> everything(const std::string& directory = ".") const;
 
     /** A 32-bit word as the board's registers and memory hold it. */
     static std::string word(std::uint32_t value)

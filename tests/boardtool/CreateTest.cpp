@@ -124,13 +124,15 @@ TEST_F(Create, TakesAnyCode)
 
 TEST_F(Create, RefusesVariantsThatThereAreNot)
 {
-    const std::string number = std::to_string(hwVariants.size());
-    expectRefusal({"create", "b", "--variant", number},
-                  "bsp-board: there is no hardware variant " + number +
-                      "; 'bsp-board variants' lists them" + Hint,
-                  2);
-    expectRefusal({"create", "b", "--variant", "two"},
-                  std::string("bsp-board: Could not convert: --variant = two") + Hint, 2);
+    for (const std::string& number :
+         {std::to_string(hwVariants.size()), std::string("two"), std::string("1x"),
+          std::string("99999999999999999999"), std::string("-1")})
+    {
+        expectRefusal({"create", "b", "--variant=" + number},
+                      "bsp-board: there is no hardware variant '" + number +
+                          "'; 'bsp-board variants' lists them" + Hint,
+                      2);
+    }
     EXPECT_THAT(everything(), IsEmpty());
 }
 
@@ -162,25 +164,37 @@ TEST_F(Create, RefusesTwoChoicesAtOnce)
 {
     const std::string hint = Hint;
     expectRefusal({"create", "b", "--product", "NXU4A", "--variant", "0"},
-                  "bsp-board: --product excludes --variant" + hint, 2);
+                  "bsp-board: --product and --variant cannot be given together" + hint, 2);
     expectRefusal({"create", "b", "--variant", "0", "--code", "0011223344556677"},
-                  "bsp-board: --variant excludes --code" + hint, 2);
+                  "bsp-board: --variant and --code cannot be given together" + hint, 2);
     expectRefusal({"create", "b", "--code", "0011223344556677", "--product", "NXU4A"},
-                  "bsp-board: --product excludes --code" + hint, 2);
+                  "bsp-board: --product and --code cannot be given together" + hint, 2);
     EXPECT_THAT(everything(), IsEmpty());
 }
 
 TEST_F(Create, OverwritesNothing)
 {
-    fs::create_directory(file("empty"));
+    fs::create_directories(file("full/empty"));
     write("file", "mine");
-    fs::create_symlink("nowhere", file("link"));
+    fs::create_symlink("full/empty", file("link"));
     const std::vector<std::string> before = everything();
-    for (const std::string name : {"empty", "file", "link", "."}) {
+    for (const std::string name : {"full", "file", "link", ".", "full/empty/."}) {
         expectRefusal({"create", name}, "bsp-board: cannot create '" + name + "': File exists\n",
                       1);
     }
     EXPECT_EQ(everything(), before);
+}
+
+TEST_F(Create, TakesAnEmptyDirectory)
+{
+    for (const std::string name : {"b", "c/"}) {
+        fs::create_directory(file(name));
+        fs::permissions(file(name), fs::perms::owner_all);
+        expectQuiet({"create", name});
+        EXPECT_EQ(contents(name + "/eeprom"), bytesOf(hwVariants.at(14)));
+        EXPECT_EQ(mode(name), 0700U);
+    }
+    EXPECT_THAT(entries("."), ElementsAre("b", "c"));
 }
 
 TEST_F(Create, RefusesToMakeABoardTwice)
@@ -216,8 +230,7 @@ TEST_F(Create, LeavesNothingBehindWhenItFails)
         ::setrlimit(RLIMIT_FSIZE, &smallFiles);
     };
     const testsupport::Outcome outcome = program.run();
-    EXPECT_THAT(outcome.err, testing::MatchesRegex(
-                                 "bsp-board: cannot write '.*/top\\.dtcm0': File too large\n"));
+    EXPECT_EQ(outcome.err, "bsp-board: cannot write 'b/top.dtcm0': File too large\n");
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(everything(), IsEmpty());

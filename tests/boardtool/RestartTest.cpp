@@ -113,7 +113,9 @@ TEST_F(Restart, WantsACauseThatThereIs)
     expectRefusal({"restart", "b"}, "bsp-board: CAUSE is required" + hint, 2);
     for (const std::string cause : {"hot", "Cold", "0", "unknown", ""}) {
         expectRefusal({"restart", "b", cause},
-                      "bsp-board: CAUSE: " + cause + " not in {cold,warm,watchdog}" + hint, 2);
+                      "bsp-board: '" + cause +
+                          "' is no kind of restart; it can be cold, warm or watchdog" + hint,
+                      2);
     }
     EXPECT_THAT(everything(), Contains("b/shm/sem.DtcmDbSharedSem=semaphore"));
 }
@@ -124,6 +126,12 @@ TEST_F(Restart, WantsABoard)
     expectRefusal({"restart", "no", "cold"},
                   "bsp-board: no board 'no': No such file or directory\n", 1);
     expectRefusal({"restart", "file", "cold"}, "bsp-board: no board 'file': Not a directory\n", 1);
+    fs::create_directory_symlink("b", file("link"));
+    for (const std::string name : {"link", "link/"}) {
+        expectRefusal({"restart", name, "cold"},
+                      "bsp-board: no board 'link': it is a symbolic link\n", 1);
+    }
+    EXPECT_THAT(everything(), Contains("b/shm/sem.DtcmDbSharedSem=semaphore"));
 }
 
 TEST_F(Restart, TouchesNoDirectoryThatIsNoBoard)

@@ -192,6 +192,7 @@ TEST_F(Show, NamesWhatIsMissing)
 {
     fs::remove_all(file("b"));
     fs::create_directory(file("b"));
+    fs::create_symlink("nowhere", file("b/eeprom"));
     const std::string missing = ": No such file or directory\n";
     EXPECT_EQ(show(), "Hardware code   cannot read 'b/eeprom'" + missing +
                           "Variant         14 (the code cannot be read)\n"
@@ -272,8 +273,33 @@ TEST_F(Show, ChangesNothing)
 
 TEST_F(Show, WantsABoard)
 {
+    fs::create_directories(file("home/tmp"));
+    fs::create_directory(file("home/leds"));
+    expectRefusal({"show", "home"},
+                  "bsp-board: no board 'home': there is nothing of a board in it\n", 1);
     expectRefusal({"show", "no"}, "bsp-board: no board 'no': No such file or directory\n", 1);
     expectRefusal({"show", "b/eeprom"}, "bsp-board: no board 'b/eeprom': Not a directory\n", 1);
+}
+
+TEST_F(Show, SaysThatABoardMayNotBeRead)
+{
+    for (const auto mode : {fs::perms::none, fs::perms::owner_read | fs::perms::others_read}) {
+        fs::permissions(file("b"), mode);
+        const Outcome outcome = boardToolOfOrdinaryUser({"show", "b"}).run();
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.err,
+                    testing::AnyOf("bsp-board: cannot read 'b': Permission denied\n",
+                                   "bsp-board: cannot read 'b/eeprom': Permission denied\n"));
+        EXPECT_EQ(outcome.status, 1);
+    }
+    fs::permissions(file("b"), fs::perms::owner_all);
+}
+
+TEST_F(Show, ShowsABoardOfWhichGitKeptTheFilesOnly)
+{
+    const std::string before = show();
+    fs::remove(file("b/shm"));
+    EXPECT_EQ(show(), before);
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "BoardToolTest.h"
 
 #include <cstdio>
+#include <filesystem>
+
+#include <unistd.h>
 
 namespace
 {
@@ -13,7 +16,7 @@ class Usage : public BoardToolTest
 
 TEST_F(Usage, WantsACommand)
 {
-    expectRefusal({}, "bsp-board: A subcommand is required\nTry 'bsp-board --help'.\n", 2);
+    expectRefusal({}, "bsp-board: a command is missing\nTry 'bsp-board --help'.\n", 2);
 }
 
 TEST_F(Usage, NamesTheCommandThatThereIsNot)
@@ -39,6 +42,51 @@ TEST_F(Usage, NamesTheWordThatNoCommandTakes)
                   "bsp-board: unknown option '--nosuch'\nTry 'bsp-board run --help'.\n", 2);
 }
 
+TEST_F(Usage, NamesTheOptionThatIsWrong)
+{
+    const std::string hint = "\nTry 'bsp-board create --help'.\n";
+    expectRefusal({"create", "b", "--product"}, "bsp-board: --product needs a value" + hint, 2);
+    expectRefusal({"create", "b", "--code", "00", "--code", "01"},
+                  "bsp-board: --code is given more than once" + hint, 2);
+    expectRefusal({"create", "--"}, "bsp-board: DIR is required" + hint, 2);
+    expectRefusal({"show", "b", "--dump=much"},
+                  "bsp-board: --dump takes no value\nTry 'bsp-board show --help'.\n", 2);
+}
+
+TEST_F(Usage, TellsItsVersion)
+{
+    const Outcome outcome = run({"--version"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "bsp-board " BSP_TEST_VERSION "\n");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_F(Usage, NamesAWorkingDirectoryThatIsGone)
+{
+    std::filesystem::create_directory(file("gone"));
+    testsupport::Program program = boardTool({"run", "/", "true"});
+    program.directory = file("gone");
+    program.prepare = [this] { std::filesystem::remove(file("gone")); };
+    EXPECT_THAT(program.run().err, testing::Not(HasSubstr("filesystem")));
+}
+
+TEST_F(Usage, MakesNoStandardStreamOfABoardsFile)
+{
+    expectQuiet({"create", "b"});
+    const std::string memory = contents("b/top.dtcm0");
+    testsupport::Program program = boardTool({"restart", "b", "warm"});
+    program.prepare = [] {
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            ::close(stream);
+        }
+    };
+    EXPECT_EQ(testsupport::waitFor(program.start()), 0);
+    // Complains, when it has its board's files open already.
+    std::filesystem::remove(file("b/top.sys_ctrl0"));
+    EXPECT_EQ(testsupport::waitFor(program.start()), 1);
+    EXPECT_EQ(contents("b/top.dtcm0"), memory);
+}
+
 TEST_F(Usage, WantsADirectory)
 {
     for (const std::string command : {"create", "show", "restart", "run"}) {
@@ -62,8 +110,10 @@ TEST_F(Usage, ListsTheCommandsOnRequest)
 TEST_F(Usage, EachCommandExplainsItself)
 {
     const std::vector<std::pair<std::string, std::string>> usages{
-        {"variants", "[OPTIONS]"},        {"create", "[OPTIONS] DIR"},
-        {"show", "[OPTIONS] DIR"},        {"restart", "[OPTIONS] DIR CAUSE"},
+        {"variants", "[OPTIONS]"},
+        {"create", "[OPTIONS] DIR"},
+        {"show", "[OPTIONS] DIR"},
+        {"restart", "[OPTIONS] DIR CAUSE"},
         {"run", "[OPTIONS] DIR COMMAND"},
     };
     for (const auto& [command, usage] : usages) {

@@ -1,9 +1,16 @@
 #ifndef TOOLS_BOARD_BOARDDRAFT_H
 #define TOOLS_BOARD_BOARDDRAFT_H
 
-#include <filesystem>
+#include "Directory.h"
 
-/** A directory in the making, beside the place that it is for; gone unless published. */
+#include <string>
+
+/**
+ * A board's directory in the making, beside the place that it is for; gone unless published.
+ *
+ * It is held (see hold) as long as it is worked on. A draft that nobody holds is of a program that
+ * was killed; the next draft beside it takes it away.
+ */
 class BoardDraft
 {
 public:
@@ -13,15 +20,22 @@ public:
     BoardDraft(const BoardDraft&) = delete;
     BoardDraft& operator=(const BoardDraft&) = delete;
 
-    const std::filesystem::path& path() const { return m_path; }
+    /** The directory, which messages call by its place. */
+    const Directory& directory() const { return m_directory; }
 
-    /** Moves the directory to its place. @throws Failure when that has been taken meanwhile */
+    /**
+     * Moves the directory to its place, where nothing or an empty directory may be.
+     * @throws Failure when that is not so
+     */
     void publish();
 
 private:
+    Directory makeDraft();
+
     std::filesystem::path m_place;
-    std::filesystem::path m_workshop;
-    std::filesystem::path m_path;
+    Directory m_parent;
+    std::string m_name; /**< Of the draft; empty when it is published. */
+    Directory m_directory;
 };
 
 #endif

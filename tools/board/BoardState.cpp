@@ -1,18 +1,22 @@
 #include "BoardState.h"
 
+#include "Board.h"
 #include "BoardDraft.h"
 #include "Failure.h"
 #include "Files.h"
 #include "Led.h"
+#include "SimulatedBoard.h"
 
+#include <cerrno>
 #include <cstdint>
 
 #include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
 
-namespace fs = std::filesystem;
 using os::bsp::ResetType;
 
 // As the kernel shows an LED whose trigger has been chosen, and what a reset leaves on it.
@@ -39,107 +43,84 @@ std::string registerBytes(ResetType cause)
     return {reinterpret_cast<const char*>(&word), sizeof word};
 }
 
-void resetLeds(const Board& board)
+void replaceOrCreate(const Directory& directory, const char* entry, const BoardFile& file,
+                     const std::string& contents)
 {
-    for (unsigned int led = 0; led < NoOfLeds; ++led) {
-        const std::string name = Led_objectToName(led);
-        std::error_code error;
-        fs::create_directories(board.leds() / name, error);
-        if (error) {
-            throw Failure("cannot create '" + (board.leds() / name).string() + "'", error.value());
-        }
-        files::replace(board.ledTrigger(name), LedTrigger);
-        files::replace(board.ledState(name),
-                       std::string(Led_stateObjectToStateName(Led_SteadyOff)) + '\n');
-    }
-}
-
-/** Links could lead a restart to what is no board's. */
-void requirePlainFile(const fs::path& path, std::size_t size)
-{
-    std::error_code error;
-    if (fs::symlink_status(path, error).type() != fs::file_type::regular ||
-        fs::file_size(path, error) < size || error)
-    {
-        throw Failure("only a simulated board can be restarted: '" + path.string() +
-                      "' is no file of " + std::to_string(size) + " bytes");
-    }
-}
-
-void requireDirectoryOrNothing(const fs::path& path)
-{
-    std::error_code error;
-    const fs::file_type type = fs::symlink_status(path, error).type();
-    if (type != fs::file_type::directory && type != fs::file_type::not_found) {
-        throw Failure("only a simulated board can be restarted: '" + path.string() +
-                      "' is no directory");
-    }
-}
-
-void requireFileOrNothing(const fs::path& path)
-{
-    std::error_code error;
-    const fs::file_type type = fs::symlink_status(path, error).type();
-    if (type != fs::file_type::regular && type != fs::file_type::not_found) {
-        throw Failure("only a simulated board can be restarted: '" + path.string() +
-                      "' is no file");
-    }
-}
-
-void requireSimulated(const Board& board)
-{
-    requirePlainFile(board.dtcm(), Board::DtcmSize);
-    requirePlainFile(board.registers(), Board::RegistersSize);
-    for (const fs::path& path : {board.sharedMemory(), board.temporaryFiles(), board.leds()}) {
-        requireDirectoryOrNothing(path);
-    }
-    for (unsigned int led = 0; led < NoOfLeds; ++led) {
-        const std::string name = Led_objectToName(led);
-        requireDirectoryOrNothing(board.leds() / name);
-        requireFileOrNothing(board.ledTrigger(name));
-        requireFileOrNothing(board.ledState(name));
-    }
-}
-
-void emptyOrMake(const fs::path& directory)
-{
-    if (fs::exists(directory)) {
-        files::empty(directory);
+    if (file.descriptor.isOpen()) {
+        files::replace(file.descriptor, file.name, contents);
     } else {
-        files::makeSharedDirectory(directory);
+        directory.createFile(entry, contents);
+    }
+}
+
+void resetLed(const Directory& leds, BoardLed& led)
+{
+    if (!led.directory) {
+        led.directory = leds.make(led.name);
+    }
+    replaceOrCreate(*led.directory, entry::LedTrigger, led.trigger, LedTrigger);
+    replaceOrCreate(*led.directory, entry::LedState, led.state,
+                    std::string(Led_stateObjectToStateName(Led_SteadyOff)) + '\n');
+}
+
+void resetLeds(const Directory& board, SimulatedBoard& parts)
+{
+    if (!parts.leds) {
+        parts.leds = board.make(entry::Leds);
+    }
+    for (BoardLed& led : parts.led) {
+        resetLed(*parts.leds, led);
+    }
+}
+
+void emptyOrMake(const Directory& board, const char* entry, std::optional<Directory>& directory)
+{
+    if (directory) {
+        removeContents(*directory);
+    } else {
+        directory = board.makeShared(entry);
     }
 }
 
 /** What the board's own start-up does. */
-void startUp(const Board& board, ResetType cause)
+void startUp(const SimulatedBoard& parts, ResetType cause)
 {
     if (cause == ResetType::Cold) {
-        files::create(board.coldMarker(), "");
+        parts.temporaryFiles->createFile(entry::ColdMarker, "");
+    }
+}
+
+/** Root shares a board with others by what it says, not by its umask. */
+void keepOthersFromWriting()
+{
+    if (::geteuid() == 0) {
+        ::umask(::umask(0) | S_IWGRP | S_IWOTH);
     }
 }
 
 } // namespace
 
-void createBoard(const fs::path& directory, const std::string& eeprom)
+void createBoard(const std::filesystem::path& place, const std::string& eeprom)
 {
-    BoardDraft draft(directory);
-    const Board board(draft.path());
-    files::create(board.eeprom(), eeprom);
-    files::create(board.dtcm(), std::string(Board::DtcmSize, '\0'));
-    files::create(board.registers(), std::string(Board::RegistersSize, '\0'));
+    keepOthersFromWriting();
+    BoardDraft draft(place);
+    const Directory& board = draft.directory();
+    board.createFile(entry::Eeprom, eeprom);
+    board.createFile(entry::Dtcm, std::string(Board::DtcmSize, '\0'));
+    board.createFile(entry::Registers, std::string(Board::RegistersSize, '\0'));
     restartBoard(board, ResetType::Cold);
     draft.publish();
 }
 
-void restartBoard(const Board& board, ResetType cause)
+void restartBoard(const Directory& board, ResetType cause)
 {
-    requireSimulated(board);
-    emptyOrMake(board.sharedMemory());
-    emptyOrMake(board.temporaryFiles());
-    resetLeds(board);
+    SimulatedBoard parts = SimulatedBoard::open(board);
+    emptyOrMake(board, entry::SharedMemory, parts.sharedMemory);
+    emptyOrMake(board, entry::TemporaryFiles, parts.temporaryFiles);
+    resetLeds(board, parts);
     if (cause == ResetType::Cold) {
-        files::overwriteStart(board.dtcm(), randomBytes(Board::DtcmSize));
+        files::write(parts.dtcm.descriptor, parts.dtcm.name, randomBytes(Board::DtcmSize));
     }
-    files::overwriteStart(board.registers(), registerBytes(cause));
-    startUp(board, cause);
+    files::write(parts.registers.descriptor, parts.registers.name, registerBytes(cause));
+    startUp(parts, cause);
 }

@@ -5,17 +5,17 @@
 #ifndef TOOLS_BOARD_BOARDSTATE_H
 #define TOOLS_BOARD_BOARDSTATE_H
 
-#include "Board.h"
 #include "BspEnumerations.h"
+#include "Directory.h"
 
 /**
  * Makes a board with this EEPROM, in the state after a cold restart.
  *
- * The board is there as a whole or not at all; nothing that exists is overwritten.
+ * The board is there as a whole or not at all; nothing but an empty directory is replaced.
  */
-void createBoard(const std::filesystem::path& directory, const std::string& eeprom);
+void createBoard(const std::filesystem::path& place, const std::string& eeprom);
 
 /** Does to a board what a restart does. Only simulated boards can be restarted. */
-void restartBoard(const Board& board, os::bsp::ResetType cause);
+void restartBoard(const Directory& board, os::bsp::ResetType cause);
 
 #endif

@@ -6,6 +6,7 @@
 #include "HardwareCode.h"
 
 #include <algorithm>
+#include <charconv>
 #include <memory>
 
 namespace
@@ -14,21 +15,24 @@ namespace
 using os::bsp::hwVariants;
 
 /** What software takes a board for whose EEPROM cannot be read. */
-constexpr unsigned int DefaultVariant = 14;
+constexpr const char* DefaultVariant = "14";
 
 struct Options
 {
     std::string directory;
     std::string product;
-    unsigned int variant = DefaultVariant;
+    std::string variant = DefaultVariant;
     std::string code;
 };
 
-std::string codeOfVariant(unsigned int index)
+std::string codeOfVariant(const std::string& number)
 {
-    if (index >= hwVariants.size()) {
-        throw UsageError("there is no hardware variant " + std::to_string(index) +
-                         "; 'bsp-board variants' lists them");
+    std::size_t index = 0;
+    const char* const end = number.data() + number.size();
+    const auto result = std::from_chars(number.data(), end, index);
+    if (result.ec != std::errc() || result.ptr != end || index >= hwVariants.size()) {
+        throw UsageError("there is no hardware variant '" + number +
+                         "'; 'bsp-board variants' lists them");
     }
     return hardwarecode::bytesOf(hwVariants[index].code);
 }
@@ -57,8 +61,23 @@ std::string parsedCode(const std::string& text)
     return *bytes;
 }
 
+void requireOneChoice(const CLI::App& command)
+{
+    std::string chosen;
+    for (const char* option : {"--product", "--variant", "--code"}) {
+        if (command.count(option) == 0) {
+            continue;
+        }
+        if (!chosen.empty()) {
+            throw UsageError(chosen + " and " + option + " cannot be given together");
+        }
+        chosen = option;
+    }
+}
+
 std::string chosenCode(const Options& options, const CLI::App& command)
 {
+    requireOneChoice(command);
     if (command.count("--product") != 0) {
         return codeOfProduct(options.product);
     }
@@ -75,17 +94,16 @@ void addCreateCommand(CLI::App& app)
     CLI::App* const command =
         app.add_subcommand("create", "Make a board, in the state after a cold restart");
     const auto options = std::make_shared<Options>();
-    command->add_option("DIR", options->directory, "The board's directory, which must not exist")
+    command
+        ->add_option("DIR", options->directory,
+                     "The board's directory, which must not exist or be empty")
         ->required();
-    CLI::Option* const product = command->add_option("--product", options->product,
-                                                     "The first hardware variant of this product");
-    CLI::Option* const variant =
-        command->add_option("--variant", options->variant, "This hardware variant, by its index")
-            ->capture_default_str();
-    CLI::Option* const code = command->add_option(
-        "--code", options->code, "This hardware code, known or not: 16 hexadecimal digits");
-    product->excludes(variant)->excludes(code);
-    variant->excludes(code);
+    command->add_option("--product", options->product,
+                        "The first hardware variant of this product");
+    command->add_option("--variant", options->variant, "This hardware variant, by its index")
+        ->capture_default_str();
+    command->add_option("--code", options->code,
+                        "This hardware code, known or not: 16 hexadecimal digits");
     command->callback(
         [command, options] { createBoard(options->directory, chosenCode(*options, *command)); });
 }

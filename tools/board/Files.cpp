@@ -19,20 +19,9 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr mode_t FileMode = 0666;
-
 std::string quoted(const fs::path& path)
 {
     return "'" + path.string() + "'";
-}
-
-FileDescriptor open(const fs::path& path, int flags, const char* purpose)
-{
-    FileDescriptor file(::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, FileMode));
-    if (!file.isOpen()) {
-        throw Failure(std::string("cannot ") + purpose + ' ' + quoted(path), errno);
-    }
-    return file;
 }
 
 std::string readFile(const FileDescriptor& file, const fs::path& path, std::size_t size)
@@ -71,7 +60,20 @@ std::string readMapped(const FileDescriptor& file, const fs::path& path, std::si
     return contents;
 }
 
-void write(const FileDescriptor& file, const fs::path& path, const std::string& contents)
+} // namespace
+
+std::string readStart(const fs::path& path, std::size_t size)
+{
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status
+    {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        throw Failure("cannot read " + quoted(path), errno);
+    }
+    return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
+}
+
+void write(const FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
     std::size_t done = 0;
     while (done < contents.size()) {
@@ -79,57 +81,17 @@ void write(const FileDescriptor& file, const fs::path& path, const std::string& 
         if (count >= 0) {
             done += static_cast<std::size_t>(count);
         } else if (errno != EINTR) {
-            throw Failure("cannot write " + quoted(path), errno);
+            throw Failure("cannot write " + quoted(name), errno);
         }
     }
 }
 
-} // namespace
-
-std::string readStart(const fs::path& path, std::size_t size)
+void replace(const FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
-    const FileDescriptor file = open(path, O_RDONLY, "read");
-    struct stat status
-    {};
-    if (::fstat(file.get(), &status) != 0) {
-        throw Failure("cannot read " + quoted(path), errno);
+    if (::ftruncate(file.get(), 0) != 0) {
+        throw Failure("cannot write " + quoted(name), errno);
     }
-    return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
-}
-
-void create(const fs::path& path, const std::string& contents)
-{
-    write(open(path, O_WRONLY | O_CREAT | O_EXCL, "create"), path, contents);
-}
-
-void replace(const fs::path& path, const std::string& contents)
-{
-    write(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, "write"), path, contents);
-}
-
-void overwriteStart(const fs::path& path, const std::string& contents)
-{
-    write(open(path, O_WRONLY, "write"), path, contents);
-}
-
-void makeSharedDirectory(const fs::path& path)
-{
-    // As the directories that it stands for: everyone's, each file its owner's.
-    constexpr mode_t mode = 01777;
-    if (::mkdir(path.c_str(), mode) != 0 || ::chmod(path.c_str(), mode) != 0) {
-        throw Failure("cannot create " + quoted(path), errno);
-    }
-}
-
-void empty(const fs::path& directory)
-{
-    try {
-        for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
-            fs::remove_all(entry.path());
-        }
-    } catch (const fs::filesystem_error& error) {
-        throw Failure("cannot empty " + quoted(directory), error.code().value());
-    }
+    write(file, name, contents);
 }
 
 } // namespace files

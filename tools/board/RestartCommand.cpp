@@ -1,6 +1,8 @@
 #include "Commands.h"
 
+#include "BoardAccess.h"
 #include "BoardState.h"
+#include "Failure.h"
 
 #include <map>
 #include <memory>
@@ -14,6 +16,7 @@ struct Options
 {
     std::string directory;
     std::string cause;
+    bool trustOthers = false;
 };
 
 const std::map<std::string, ResetType> causes{
@@ -22,6 +25,24 @@ const std::map<std::string, ResetType> causes{
     {"watchdog", ResetType::Watchdog},
 };
 
+ResetType parsedCause(const std::string& cause)
+{
+    const auto found = causes.find(cause);
+    if (found == causes.end()) {
+        throw UsageError("'" + cause + "' is no kind of restart; it can be cold, warm or watchdog");
+    }
+    return found->second;
+}
+
+void restart(const Options& options)
+{
+    const ResetType cause = parsedCause(options.cause);
+    const Directory board = openBoard(options.directory, options.trustOthers ? OtherUsers::Trusted
+                                                                             : OtherUsers::Refused);
+    hold(board, Use::Exclusive);
+    restartBoard(board, cause);
+}
+
 } // namespace
 
 void addRestartCommand(CLI::App& app)
@@ -29,9 +50,7 @@ void addRestartCommand(CLI::App& app)
     CLI::App* const command = app.add_subcommand("restart", "Do to a board what a restart does");
     const auto options = std::make_shared<Options>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
-    command->add_option("CAUSE", options->cause, "cold, warm or watchdog")
-        ->required()
-        ->check(CLI::IsMember({"cold", "warm", "watchdog"}));
-    command->callback(
-        [options] { restartBoard(Board::at(options->directory), causes.at(options->cause)); });
+    command->add_option("CAUSE", options->cause, "cold, warm or watchdog")->required();
+    command->add_flag(TrustOption, options->trustOthers, TrustOptionHelp);
+    command->callback([options] { restart(*options); });
 }

@@ -1,9 +1,13 @@
 #include "Commands.h"
 
+#include "BoardAccess.h"
 #include "BoardReport.h"
+#include "Failure.h"
 
 #include <iostream>
 #include <memory>
+
+#include <fcntl.h>
 
 namespace
 {
@@ -14,6 +18,25 @@ struct Options
     bool dump = false;
 };
 
+/** Only looked at, so that a link to the board will do. */
+Directory openToLook(const std::string& path)
+{
+    const Board board = Board::at(path);
+    FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!directory.isOpen()) {
+        throw Failure("cannot read '" + path + "'", errno);
+    }
+    return {std::move(directory), board.directory()};
+}
+
+void show(const Options& options)
+{
+    const Directory board = openToLook(options.directory);
+    requireBoard(board);
+    hold(board, Use::Shared);
+    reportBoard(std::cout, Board(board.name()), options.dump);
+}
+
 } // namespace
 
 void addShowCommand(CLI::App& app)
@@ -23,6 +46,5 @@ void addShowCommand(CLI::App& app)
     const auto options = std::make_shared<Options>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command->add_flag("--dump", options->dump, "Also dump the used blocks of the warm area");
-    command->callback(
-        [options] { reportBoard(std::cout, Board::at(options->directory), options->dump); });
+    command->callback([options] { show(*options); });
 }

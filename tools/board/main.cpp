@@ -2,9 +2,12 @@
 #include "Commands.h"
 #include "Failure.h"
 #include "StandardStreams.h"
+#include "UsageText.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
+#include <new>
 #include <utility>
 
 namespace
@@ -22,30 +25,11 @@ int report(const std::string& message, int status)
     return status;
 }
 
-/** What is wrong with the first word that nobody took; empty when there is none. */
-std::string complaint(const CLI::App& app)
-{
-    for (const std::string& word : app.remaining(true)) {
-        if (word == "--") {
-            continue;
-        }
-        if (word.rfind('-', 0) == 0) {
-            return "unknown option '" + word + "'";
-        }
-        return (app.get_subcommands().empty() ? "unknown command '" : "unexpected argument '") +
-               word + "'";
-    }
-    return "";
-}
-
 int reportUsage(const CLI::App& app, const std::string& message)
 {
     const std::vector<CLI::App*> chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? "" : ' ' + chosen.front()->get_name();
-    const std::string wrongWord = complaint(app);
-    return report((wrongWord.empty() ? message : wrongWord) + "\nTry 'bsp-board" + command +
-                      " --help'.",
-                  WrongUsage);
+    return report(message + "\nTry 'bsp-board" + command + " --help'.", WrongUsage);
 }
 
 int parseAndRun(CLI::App& app, std::vector<std::string> arguments)
@@ -55,7 +39,8 @@ int parseAndRun(CLI::App& app, std::vector<std::string> arguments)
         app.parse(arguments);
         return 0;
     } catch (const CLI::ParseError& error) {
-        return error.get_exit_code() == 0 ? app.exit(error) : reportUsage(app, error.what());
+        return error.get_exit_code() == 0 ? app.exit(error)
+                                          : reportUsage(app, usageText(app, error));
     } catch (const UsageError& error) {
         return reportUsage(app, error.what());
     }
@@ -69,6 +54,7 @@ int runTool(std::vector<std::string> arguments)
     const std::vector<std::string> words = takeCommandWords(arguments);
     int commandStatus = 0;
     CLI::App app("Boards on the desk: directories that stand for a board.", "bsp-board");
+    app.set_version_flag("--version", "bsp-board " BSP_VERSION);
     app.require_subcommand(1);
     addVariantsCommand(app);
     addCreateCommand(app);
@@ -83,6 +69,14 @@ int runTool(std::vector<std::string> arguments)
     return status != 0 ? status : commandStatus;
 }
 
+std::string textOf(const std::filesystem::filesystem_error& error)
+{
+    const std::string path = error.path1().string();
+    return Failure(path.empty() ? "cannot find the working directory" : "cannot use '" + path + "'",
+                   error.code().value())
+        .what();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -90,6 +84,10 @@ int main(int argc, char* argv[])
     tools::openMissingStandardStreams();
     try {
         return runTool({argv + std::min(argc, 1), argv + argc});
+    } catch (const std::filesystem::filesystem_error& error) {
+        return report(textOf(error), Failed);
+    } catch (const std::bad_alloc&) {
+        return report("not enough memory", Failed);
     } catch (const std::exception& error) {
         return report(error.what(), Failed);
     }

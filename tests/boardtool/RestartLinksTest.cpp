@@ -1,0 +1,120 @@
+#include "BoardToolTest.h"
+#include "Traced.h"
+
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct Case
+{
+    const char* name;
+    const char* entry;  /**< What is replaced. */
+    const char* target; /**< What the link there leads to. */
+};
+
+void PrintTo(const Case& parameter, std::ostream* stream)
+{
+    *stream << parameter.entry;
+}
+
+/** While a board restarts, something of it is replaced by a link to what must not be touched. */
+class RestartLinks : public BoardToolTest, public testing::WithParamInterface<Case>
+{
+protected:
+    void SetUp() override
+    {
+        if (!testsupport::canTrace()) {
+            GTEST_SKIP() << "programs cannot be stopped at a system call in an emulator";
+        }
+        fs::create_directories(file("keep/red"));
+        fs::create_directories(file("keep/tmp/deep"));
+        for (const char* name : {"keep/red/trigger", "keep/red/korvanta_state", "keep/trigger",
+                                 "keep/korvanta_state", "keep/tmp/deep/file"})
+        {
+            write(name, "precious");
+        }
+        write("keep/file", std::string(32768, 'k'));
+        fs::create_directory(file("pristine"));
+        expectQuiet({"create", "pristine/b"});
+        fs::create_directories(file("pristine/b/tmp/some/where"));
+        write("pristine/b/tmp/some/where/file", "temporary");
+        write("pristine/b/shm/sem.DtcmDbSharedSem", "semaphore");
+        m_kept = kept();
+    }
+
+    std::vector<std::string> kept() const { return everything("keep"); }
+
+    void renewBoard() const
+    {
+        fs::remove_all(file("b"));
+        fs::copy(file("pristine/b"), file("b"), fs::copy_options::recursive);
+    }
+
+    void replaceByLink() const
+    {
+        const std::string entry = file(GetParam().entry);
+        fs::remove_all(file("was"));
+        std::error_code ignored;
+        fs::rename(entry, file("was"), ignored);
+        fs::create_symlink(file(GetParam().target), entry);
+    }
+
+    /** Any use of the program begins with these. */
+    int callsBeforeWork() const
+    {
+        constexpr int lastOnes = 5;
+        return testsupport::countCalls(boardTool({"--version"})) - lastOnes;
+    }
+
+    std::vector<std::string> m_kept;
+};
+
+TEST_P(RestartLinks, AreNotFollowedAtAnyMoment)
+{
+    const int first = callsBeforeWork();
+    int call = first;
+    do {
+        renewBoard();
+    } while (testsupport::actAtCall(boardTool({"restart", "b", "cold"}), call++,
+                                    [&](pid_t) { replaceByLink(); }) &&
+             kept() == m_kept);
+    EXPECT_EQ(kept(), m_kept) << "replaced before system call " << call - 1;
+    EXPECT_GT(call - first, 20) << "there must have been many moments";
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, RestartLinks,
+                         testing::Values(Case{"SharedMemory", "b/shm", "keep"},
+                                         Case{"TemporaryFiles", "b/tmp", "keep"},
+                                         Case{"BelowTemporaryFiles", "b/tmp/some", "keep"},
+                                         Case{"Memory", "b/top.dtcm0", "keep/file"},
+                                         Case{"Registers", "b/top.sys_ctrl0", "keep/file"},
+                                         Case{"Leds", "b/leds", "keep"},
+                                         Case{"Led", "b/leds/red", "keep/red"},
+                                         Case{"Trigger", "b/leds/red/trigger", "keep/file"},
+                                         Case{"State", "b/leds/red/korvanta_state", "keep/file"},
+                                         Case{"Marker", "b/tmp/restart_cold", "keep/file"}),
+                         [](const auto& each) { return std::string(each.param.name); });
+
+TEST_F(BoardToolTest, RestartWritesThroughNoSecondName)
+{
+    expectQuiet({"create", "b"});
+    write("keep", std::string(32768, 'k'));
+    for (const std::string name : {"b/top.dtcm0", "b/top.sys_ctrl0", "b/leds/red/trigger"}) {
+        fs::rename(file(name), file("was"));
+        fs::create_hard_link(file("keep"), file(name));
+        expectRefusal({"restart", "b", "cold"},
+                      "bsp-board: only a simulated board can be restarted: '" + name +
+                          "' has another name, too\n",
+                      1);
+        fs::remove(file(name));
+        fs::rename(file("was"), file(name));
+    }
+    EXPECT_EQ(contents("keep"), std::string(32768, 'k'));
+}
+
+} // namespace

@@ -1,0 +1,11 @@
+#ifndef TOOLS_BOARD_USAGETEXT_H
+#define TOOLS_BOARD_USAGETEXT_H
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+/** What is wrong with a command line that could not be parsed, in one line. */
+std::string usageText(const CLI::App& app, const CLI::ParseError& error);
+
+#endif
