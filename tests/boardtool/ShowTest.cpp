@@ -156,12 +156,41 @@ TEST_F(Show, BoundsAndEscapesNames)
                                  "Block 2         a\\x01\\\\\\x7f\\x80 \n"));
 }
 
-TEST_F(Show, ShowsWhatPowerUpLeavesInTheMemory)
+TEST_F(Show, KnowsMemoryThatNoProgramHasClearedYet)
+{
+    for (const char* product : {"NXU4A", "KT4766", "KT4851_4"}) {
+        expectQuiet({"create", product, "--product", product});
+        EXPECT_THAT(show({"show", product, "--dump"}),
+                    EndsWith("\nWarm area       not cleared yet\n"));
+        // Programs take what is there then, except on boards that forget it anyway.
+        expectQuiet({"restart", product, "warm"});
+        EXPECT_EQ(show({"show", product}).find("not cleared yet") != std::string::npos,
+                  product == std::string("KT4766"));
+    }
+}
+
+TEST_F(Show, ShowsMemoryThatAProgramUses)
 {
     expectQuiet({"restart", "b", "cold"});
+    write("b/shm/sem.DtcmDbSharedSem", "");
     for (const char byte : show({"show", "b", "--dump"})) {
         EXPECT_TRUE(byte == '\n' || (byte >= ' ' && byte <= '~'));
     }
+    EXPECT_THAT(show(), HasSubstr(" of 32 blocks used\nBlock "));
+}
+
+TEST_F(Show, ShowsDamagedMemory)
+{
+    expectQuiet({"restart", "b", "cold"});
+    putBlock(7, "SLOT", std::string(1008, 'd'));
+    EXPECT_THAT(show(), HasSubstr(" of 32 blocks used\nBlock "));
+    EXPECT_THAT(show(), HasSubstr("\nBlock 7         SLOT\n"));
+    write("b/top.dtcm0", std::string(32768, '\0'));
+    putBlock(1, "\x01\x02", "");
+    EXPECT_THAT(show(), EndsWith("Warm area       1 of 32 blocks used\n"
+                                 "Block 1         \\x01\\x02\n"));
+    putBlock(2, std::string(16, '\x03'), "");
+    EXPECT_THAT(show(), HasSubstr("\nWarm area       2 of 32 blocks used\n"));
 }
 
 TEST_F(Show, DumpsTheUsedBlocks)

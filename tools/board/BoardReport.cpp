@@ -73,20 +73,31 @@ void reportIdentity(std::ostream& out, const Board& board)
     write(out, "Platform", nameOf(os::bsp::platformTypeNames, os::bsp::getPlatformType()));
 }
 
-std::string resetCause(const Board& board)
+std::uint32_t resetCause(const Board& board)
 {
     const std::string bytes = readExactly(board.registers(), sizeof(std::uint32_t));
     std::uint32_t cause = 0;
     std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(&cause));
+    return cause;
+}
+
+std::string resetCauseText(const Board& board)
+{
+    const std::uint32_t cause = resetCause(board);
     return std::to_string(cause) + " (" + nameOf(os::bsp::resetTypeNames, static_cast<int>(cause)) +
            ")";
 }
 
+bool isThere(const fs::path& path)
+{
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
 void reportRestart(std::ostream& out, const Board& board)
 {
-    write(out, "Reset cause", answerOrReason([&] { return resetCause(board); }));
-    std::error_code ignored;
-    write(out, "Cold marker", fs::exists(board.coldMarker(), ignored) ? "present" : "absent");
+    write(out, "Reset cause", answerOrReason([&] { return resetCauseText(board); }));
+    write(out, "Cold marker", isThere(board.coldMarker()) ? "present" : "absent");
 }
 
 settings::Entries storeEntries(const fs::path& path)
@@ -147,10 +158,41 @@ void reportBlocks(std::ostream& out, const WarmArea& area, bool dump)
     }
 }
 
+bool isColdByRegister(const Board& board)
+{
+    try {
+        return resetCause(board) == static_cast<std::uint32_t>(os::bsp::ResetType::Cold);
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+/** Whether the layer takes the last restart for a cold one, when it starts there. */
+bool countsAsCold(const Board& board)
+{
+    if (os::bsp::getPlatformType() == os::bsp::PlatformType::Nxu4) {
+        return isColdByRegister(board);
+    }
+    return os::bsp::getProductId() != os::bsp::ProductId::KT4851_4 || isThere(board.coldMarker());
+}
+
+/** Whether the area holds what power-up left there, and the first program will clear it. */
+bool isNotClearedYet(const WarmArea& area, const Board& board)
+{
+    // While a program uses the area there is its semaphore.
+    return !area.isWritten() && !isThere(board.sharedMemory() / "sem.DtcmDbSharedSem") &&
+           countsAsCold(board);
+}
+
 void reportWarmArea(std::ostream& out, const Board& board, bool dump)
 {
     try {
-        reportBlocks(out, WarmArea(readExactly(board.dtcm(), Board::DtcmSize)), dump);
+        const WarmArea area(readExactly(board.dtcm(), Board::DtcmSize));
+        if (isNotClearedYet(area, board)) {
+            write(out, "Warm area", "not cleared yet");
+        } else {
+            reportBlocks(out, area, dump);
+        }
     } catch (const Failure& failure) {
         write(out, "Warm area", failure.what());
     }

@@ -1,5 +1,7 @@
 #include "WarmArea.h"
 
+#include "Text.h"
+
 #include <algorithm>
 
 WarmArea::Block WarmArea::block(std::size_t index) const
@@ -20,6 +22,48 @@ std::vector<WarmArea::Block> WarmArea::usedBlocks() const
         }
     }
     return blocks;
+}
+
+/** Whether the blocks are as the layer leaves them. */
+bool WarmArea::isTable() const
+{
+    bool free = false;
+    for (std::size_t index = 0; index < numberOfBlocks(); ++index) {
+        const std::string_view name = block(index).name;
+        if (!name.empty() && (free || name.size() == NameSize)) {
+            return false;
+        }
+        free = name.empty();
+    }
+    return true;
+}
+
+bool WarmArea::hasPlainName() const
+{
+    for (std::size_t index = 0; index < numberOfBlocks(); ++index) {
+        const Block candidate = block(index);
+        const std::string_view name = candidate.name;
+        const std::string_view rest = candidate.bytes.substr(0, NameSize).substr(name.size());
+        if (!name.empty() && printable(name) == name && !rest.empty() &&
+            rest.find_first_not_of('\0') == std::string_view::npos)
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool WarmArea::hasManyZeros() const
+{
+    // Four times as many as bytes at random have.
+    constexpr std::size_t share = 64;
+    const auto zeros = std::count(m_bytes.begin(), m_bytes.end(), '\0');
+    return static_cast<std::size_t>(zeros) > m_bytes.size() / share;
+}
+
+bool WarmArea::isWritten() const
+{
+    return isTable() || hasPlainName() || hasManyZeros();
 }
 
 std::optional<std::int32_t> WarmArea::slotId() const

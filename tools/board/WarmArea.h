@@ -31,11 +31,23 @@ public:
     /** Every block with a name; they point into this object. */
     std::vector<Block> usedBlocks() const;
 
+    /**
+     * Whether something in here was made by the layer, and not by power-up.
+     *
+     * The layer zeroes what it takes, and puts names into the first blocks, each with a zero in its
+     * last byte. What programs damage later still has many zeros, or one name of printable
+     * characters that ends in zeros. Bytes at random have that once in some ten million times.
+     */
+    bool isWritten() const;
+
     /** The slot id, when there is the object that keeps it. */
     std::optional<std::int32_t> slotId() const;
 
 private:
     Block block(std::size_t index) const;
+    bool isTable() const;
+    bool hasPlainName() const;
+    bool hasManyZeros() const;
 
     std::string m_bytes;
 };
