@@ -89,7 +89,7 @@ TEST_F(Usage, MakesNoStandardStreamOfABoardsFile)
 
 TEST_F(Usage, WantsADirectory)
 {
-    for (const std::string command : {"create", "show", "restart", "run"}) {
+    for (const std::string command : {"create", "show", "restart", "set", "run"}) {
         expectRefusal({command},
                       "bsp-board: DIR is required\nTry 'bsp-board " + command + " --help'.\n", 2);
     }
@@ -101,7 +101,7 @@ TEST_F(Usage, ListsTheCommandsOnRequest)
         const Outcome outcome = run({option});
         EXPECT_EQ(outcome.err, "");
         EXPECT_EQ(outcome.status, 0);
-        for (const std::string command : {"variants", "create", "show", "restart", "run"}) {
+        for (const std::string command : {"variants", "create", "show", "restart", "set", "run"}) {
             EXPECT_THAT(outcome.out, HasSubstr("\n  " + command + ' '));
         }
     }
@@ -114,6 +114,7 @@ TEST_F(Usage, EachCommandExplainsItself)
         {"create", "[OPTIONS] DIR"},
         {"show", "[OPTIONS] DIR"},
         {"restart", "[OPTIONS] DIR CAUSE"},
+        {"set", "[OPTIONS] DIR KEY [VALUE]"},
         {"run", "[OPTIONS] DIR COMMAND"},
     };
     for (const auto& [command, usage] : usages) {

@@ -16,6 +16,9 @@ void addCreateCommand(CLI::App& app);
 void addRestartCommand(CLI::App& app);
 void addShowCommand(CLI::App& app);
 
+/** Adds `set`; the program's exit status becomes that of the program that sets it on the board. */
+void addSetCommand(CLI::App& app, int& status);
+
 /**
  * Adds `run`; the program's exit status becomes that of the command which is run.
  *

@@ -60,6 +60,7 @@ int runTool(std::vector<std::string> arguments)
     addCreateCommand(app);
     addShowCommand(app);
     addRestartCommand(app);
+    addSetCommand(app, commandStatus);
     addRunCommand(app, words, commandStatus);
 
     const int status = parseAndRun(app, std::move(arguments));

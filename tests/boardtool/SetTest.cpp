@@ -1,0 +1,147 @@
+#include "BoardToolTest.h"
+
+#include <filesystem>
+
+namespace
+{
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* Hint = "\nTry 'bsp-board set --help'.\n";
+
+/** Sets what a program would set, on board "b". */
+class Set : public BoardToolTest
+{
+protected:
+    void SetUp() override { expectQuiet({"create", "b", "--product", "NXU4A"}); }
+
+    std::string show() const { return run({"show", "b"}).out; }
+
+    void expectMisuse(Words words, const std::string& complaint) const
+    {
+        const std::vector<std::string> before = everything();
+        words.insert(words.begin(), {"set", "b"});
+        expectRefusal(std::move(words), "bsp-board: " + complaint + Hint, 2);
+        EXPECT_EQ(everything(), before);
+    }
+};
+
+class SetSlot : public Set
+{
+protected:
+    void SetUp() override
+    {
+        Set::SetUp();
+        if (!std::string(BSP_TEST_EMULATOR).empty()) {
+            GTEST_SKIP() << "a program that an emulator runs cannot start itself on a board";
+        }
+    }
+};
+
+TEST_F(SetSlot, KeepsTheSlotIdOverAWarmRestart)
+{
+    expectQuiet({"set", "b", "slot", "5"});
+    EXPECT_THAT(show(), EndsWith("\nWarm area       1 of 32 blocks used\n"
+                                 "Block 1         SLOT\n"
+                                 "Slot id         5\n"));
+    EXPECT_TRUE(entries("b/shm").empty());
+    expectQuiet({"restart", "b", "warm"});
+    const testsupport::Outcome outcome =
+        run(wordsToRun("b", testsupport::tool("bsp").path, {"getSlotId"}));
+    EXPECT_EQ(outcome.out, "5\n");
+}
+
+TEST_F(SetSlot, TakesAnyNumber)
+{
+    for (const std::string slotId : {"0", "-1", "-2147483648", "2147483647"}) {
+        expectQuiet({"set", "b", "slot", slotId});
+        EXPECT_THAT(show(), EndsWith("\nSlot id         " + slotId + '\n'));
+    }
+    expectQuiet({"set", "b", "slot", "--clear"});
+    EXPECT_THAT(show(), EndsWith("\nSlot id         -1\n"));
+}
+
+TEST_F(SetSlot, FailsWhenTheBoardHasNoRoomForIt)
+{
+    write("b/top.dtcm0", std::string(32768, 'x'));
+    expectQuiet({"restart", "b", "warm"});
+    expectRefusal({"set", "b", "slot", "5"},
+                  "bsp-board: the board's warm area does not take a slot id\n", 1);
+}
+
+TEST_F(Set, StoresSettings)
+{
+    expectQuiet({"set", "b", "RadiolinkMode", "Rl5"});
+    expectQuiet({"set", "b", "FpgaVariant", "TwoTdm"});
+    const testsupport::Outcome outcome =
+        run(wordsToRun("b", testsupport::tool("bsp").path, {"getRadiolinkMode"}));
+    EXPECT_EQ(outcome.out, "Rl5\n");
+    EXPECT_THAT(show(), HasSubstr("\nStore           FpgaVariant = TwoTdm\n"
+                                  "                RadiolinkMode = Rl5\n"));
+    expectQuiet({"set", "b", "RadiolinkMode", "--clear"});
+    expectQuiet({"set", "b", "--clear", "FpgaVariant"});
+    EXPECT_THAT(show(), HasSubstr("\nStore           empty\n"));
+}
+
+TEST_F(Set, StoresAnythingOnRequest)
+{
+    expectQuiet({"set", "--any", "b", "RadiolinkMode", "Rl6"});
+    expectQuiet({"set", "--any", "b", "My key", ""});
+    EXPECT_THAT(show(), HasSubstr("\nStore           My key = \n"
+                                  "                RadiolinkMode = Rl6\n"));
+    expectQuiet({"set", "--any", "b", "My key", "--clear"});
+    EXPECT_THAT(show(), Not(HasSubstr("My key")));
+}
+
+TEST_F(Set, TakesNoTypingErrors)
+{
+    expectMisuse({"radiolinkMode", "Rl5"},
+                 "there is no setting 'radiolinkMode'; it can be slot, RadiolinkMode or "
+                 "FpgaVariant, or with --any any other");
+    expectMisuse({"RadiolinkMode", "rl5"},
+                 "'rl5' is no value of RadiolinkMode; it can be Rl4 or Rl5, or with --any any "
+                 "other");
+    expectMisuse({"FpgaVariant", ""}, "'' is no value of FpgaVariant; it can be TwoTdm or "
+                                      "OneTdmRleEqpNoMlhc, or with --any any other");
+    for (const std::string slotId : {"five", "5x", "", "2147483648", "0x5", " 5"}) {
+        expectMisuse({"slot", slotId},
+                     '\'' + slotId + "' is no slot id, which is a whole number of 32 bits");
+    }
+}
+
+TEST_F(Set, WantsAKeyAndAValue)
+{
+    expectMisuse({}, "KEY is required");
+    expectMisuse({"slot"}, "VALUE is required");
+    expectMisuse({"RadiolinkMode"}, "VALUE is required");
+    expectMisuse({"RadiolinkMode", "Rl5", "--clear"}, "VALUE and --clear cannot be given together");
+}
+
+TEST_F(Set, WantsABoard)
+{
+    std::filesystem::create_directory(file("home"));
+    std::filesystem::create_directory_symlink("b", file("link"));
+    for (const std::string key : {"slot", "RadiolinkMode"}) {
+        const std::string value = key == "slot" ? "5" : "Rl5";
+        expectRefusal({"set", "no", key, value},
+                      "bsp-board: no board 'no': No such file or directory\n", 1);
+        expectRefusal({"set", "", key, value},
+                      "bsp-board: no board '': No such file or directory\n", 1);
+        expectRefusal({"set", "home", key, value},
+                      "bsp-board: no board 'home': there is nothing of a board in it\n", 1);
+        expectRefusal({"set", "link", key, value},
+                      "bsp-board: no board 'link': it is a symbolic link\n", 1);
+    }
+    EXPECT_TRUE(entries("home").empty());
+}
+
+TEST_F(Set, SaysThatTheStoreRefuses)
+{
+    std::filesystem::create_directory(file("b/config.mdb"));
+    expectRefusal({"set", "b", "RadiolinkMode", "Rl5"},
+                  "bsp-board: the store of 'b' does not take 'RadiolinkMode'\n", 1);
+}
+
+} // namespace
