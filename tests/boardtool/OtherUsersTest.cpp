@@ -86,6 +86,24 @@ TEST_F(OtherUsers, MayUseWhatIsSharedAsTmpIs)
     expectRefused("way/on/b");
 }
 
+TEST_F(OtherUsers, GetNoProgramsOrSettingsFromRoot)
+{
+    const std::string complaint =
+        "bsp-board: other users can change 'way/on/b/leds'; root works on "
+        "such a board only with --trust-other-users\n";
+    give("way/on/b/leds");
+    const std::vector<std::string> before = everything();
+    expectRefusal({"set", "way/on/b", "RadiolinkMode", "Rl5"}, complaint, 1);
+    expectRefusal({"set", "way/on/b", "slot", "5"}, complaint, 1);
+    const testsupport::Outcome outcome = run({"run", "way/on/b", "touch", file("made")});
+    EXPECT_EQ(outcome.err, complaint);
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_EQ(everything(), before);
+    expectQuiet({"set", "--trust-other-users", "way/on/b", "RadiolinkMode", "Rl5"});
+    expectQuiet({"run", "--trust-other-users", "way/on/b", "touch", file("made")});
+    EXPECT_EQ(contents("made"), "");
+}
+
 TEST_F(OtherUsers, MakeNoLinksOnTheWay)
 {
     mode("way", 01777);

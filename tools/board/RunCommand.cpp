@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "BoardAccess.h"
 #include "ExitStatus.h"
 #include "Failure.h"
 #include "Run.h"
@@ -18,6 +19,7 @@ struct Options
     std::string command;
     std::string isolation;
     std::vector<std::string> visible;
+    bool trustOthers = false;
 };
 
 const std::map<std::string, Isolation> isolations{
@@ -64,6 +66,8 @@ int run(const Options& given, const std::vector<std::string>& words, bool isIsol
     }
     options.visible.assign(given.visible.begin(), given.visible.end());
     try {
+        requireUnchangeable(given.directory,
+                            given.trustOthers ? OtherUsers::Trusted : OtherUsers::Refused);
         return runOnBoard(Board::at(given.directory), words, options);
     } catch (const Failure& failure) {
         std::cerr << "bsp-board: " << failure.what() << '\n';
@@ -114,6 +118,7 @@ void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& st
                             "What separates the board from the host: bubblewrap, proot or none");
     command->add_option("--bind", options->visible,
                         "Keep this path of the host visible on the board; may be repeated");
+    command->add_flag(TrustOption, options->trustOthers, TrustOptionHelp);
     command->callback([options, isolation, &words, &status] {
         status = run(*options, words, isolation->count() != 0);
     });
