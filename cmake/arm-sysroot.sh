@@ -6,7 +6,7 @@
 # architecture. A directory that is complete is left as it is.
 set -eu
 
-packages="zlib1g zlib1g-dev libcli11-dev"
+packages=$(sed -n 's/^sysroot: //p' "$(dirname "$0")/../packaging/requirements")
 
 if [ $# -ne 1 ]; then
     echo "usage: $0 DIRECTORY" >&2

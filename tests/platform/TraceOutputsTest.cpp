@@ -139,9 +139,8 @@ protected:
 
     Outcome trace(const std::string& level, const std::string& text) const
     {
-        return testsupport::sandboxed(
-                   {"--dev", "/dev", "--bind", directory.file("log"), "/dev/log"}, TRACE_CLIENT,
-                   {"channel", level, text})
+        return testsupport::withSystemLog(directory.file("log"), TRACE_CLIENT,
+                                          {"channel", level, text})
             .run();
     }
 
@@ -186,8 +185,7 @@ TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
     }
     setOutput("syslog");
     // Nobody listens, or the log would fill up.
-    const Outcome outcome =
-        testsupport::sandboxed({"--dev", "/dev"}, TRACE_CLIENT, {"forks"}).run();
+    const Outcome outcome = testsupport::withoutSystemLog(TRACE_CLIENT, {"forks"}).run();
     EXPECT_EQ(outcome.out + outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }
@@ -249,7 +247,7 @@ TEST_F(SystemLog, MayBeMissing)
 {
     setOutput("syslog");
     const Outcome outcome =
-        testsupport::sandboxed({"--dev", "/dev"}, TRACE_CLIENT, {"channel", "1", "text"}).run();
+        testsupport::withoutSystemLog(TRACE_CLIENT, {"channel", "1", "text"}).run();
     EXPECT_EQ(outcome.out + outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }

@@ -13,9 +13,10 @@ namespace testsupport
 class TemporaryDirectory
 {
 public:
-    TemporaryDirectory()
+    explicit TemporaryDirectory(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path())
     {
-        std::string name = (std::filesystem::temp_directory_path() / "bsp-test-XXXXXX").string();
+        std::string name = (parent / "bsp-test-XXXXXX").string();
         if (::mkdtemp(name.data()) == nullptr) {
             throw std::system_error(errno, std::generic_category(), name);
         }
