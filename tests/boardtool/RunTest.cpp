@@ -136,7 +136,7 @@ TEST_P(Run, FindsProgramsThatTheBoardsDirectoriesHide)
 
 TEST_P(Run, PrefersTheBoardsOwnPrograms)
 {
-    const TemporaryDirectory programs;
+    const TemporaryDirectory programs("/tmp");
     writeScript(programs.file("greet"), "echo host");
     const fs::path own = file("b/tmp") / programs.path().filename();
     fs::create_directory(own);
