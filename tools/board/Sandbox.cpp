@@ -1,7 +1,7 @@
 #include "Sandbox.h"
 
+#include "Directory.h"
 #include "Failure.h"
-#include "Files.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -64,11 +64,21 @@ bool hasOwnHardware(const Board& board)
     return isFile(board.eeprom()) || isFile(board.dtcm()) || isFile(board.registers());
 }
 
+void makeShared(const Board& board, const std::string& entry)
+{
+    // The board itself may be given by a link.
+    const auto directory = Directory::open(fs::canonical(board.directory()));
+    if (!directory) {
+        throw Failure("cannot open '" + board.directory().string() + "'", errno);
+    }
+    directory->makeShared(entry);
+}
+
 void requireDirectory(const Board& board, const fs::path& path)
 {
     if (typeOf(path) == fs::file_type::not_found && hasOwnHardware(board)) {
         try {
-            files::makeSharedDirectory(path);
+            makeShared(board, path.filename());
         } catch (const Failure&) {
             // Another command on the same board may have been faster.
             if (typeOf(path) != fs::file_type::directory) {
