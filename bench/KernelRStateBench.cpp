@@ -15,13 +15,13 @@
  * halfway in both.
  */
 #include "Bsp.h"
-#include "BspFileDescriptor.h"
-#include "BspKernelImage.h"
-#include "BspReadHelper.h"
-#include "BspTemporaryFile.h"
 #include "Files.h"
 #include "FirmwareImages.h"
 #include "TemporaryDirectory.h"
+#include "firmware/FileDescriptor.h"
+#include "firmware/ImageFile.h"
+#include "firmware/KernelImage.h"
+#include "firmware/TemporaryFile.h"
 
 #include <benchmark/benchmark.h>
 

@@ -131,7 +131,7 @@ std::vector<std::string> linesOf(const std::string& text)
 auto tellsOf(std::size_t lost)
 {
     return MatchesRegex("[-0-9T:.]+Z qeltrace[[]" + std::to_string(::getpid()) +
-                        "[]] 1 .*platform/linux/trace/TraceOutput[.]cpp:[0-9]+ messages lost: " +
+                        "[]] 1 .*platform/linux/qeltrace/TraceOutput[.]cpp:[0-9]+ messages lost: " +
                         std::to_string(lost));
 }
 

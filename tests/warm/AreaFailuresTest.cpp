@@ -76,7 +76,7 @@ TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
     fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
     systemcalls::queue("calloc", ENOMEM);
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
-                AllOf(HasSubstr("os_extensions/bsp/src/WarmDatabase.cpp:"),
+                AllOf(HasSubstr("os_extensions/bsp/src/warm/Database.cpp:"),
                       HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' "
                                 "failed.")));
 }

@@ -1,0 +1,66 @@
+#include "identity/BoardIdentity.h"
+
+#include "BaseBoard.h"
+#include "BspTrace.h"
+#include "HvxMessage.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <mutex>
+
+namespace os
+{
+namespace bsp
+{
+
+namespace
+{
+
+constexpr std::size_t DefaultVariant = 14;
+constexpr std::size_t FallbackVariant = 0;
+
+constexpr int BaseBoardEeprom = 5;
+constexpr int HwCodeArea = 1;
+
+} // namespace
+
+// The defaults are copied at the first call, not while the program starts: the platform's table may
+// be initialised later than this module, and other modules may ask while they are initialised.
+
+const NxuHwCode& hwCode()
+{
+    static NxuHwCode code = hwVariants[DefaultVariant].code;
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // A failing read may have written some bytes, so it does not get the code itself.
+        std::array<std::uint8_t, 8> buffer{};
+        const int result = e2prom_data_read(BaseBoardEeprom, HwCodeArea, buffer.data());
+        if (result != 0) {
+            TRACE_MESSAGE(bspTrace, trace::Error, "e2prom_data_read() failed. Returned " << result);
+            return;
+        }
+        std::copy(buffer.begin(), buffer.end(), code.word);
+    });
+    return code;
+}
+
+const NxuHwVariant& selectedVariant()
+{
+    static const NxuHwVariant* variant = &hwVariants[DefaultVariant];
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // The platform's operator== decides, which need not compare all words.
+        const auto found = std::find(hwVariants.begin(), hwVariants.end(), hwCode());
+        if (found != hwVariants.end()) {
+            variant = &*found;
+            return;
+        }
+        TRACE_MESSAGE(bspTrace, trace::Error, "Invalid hardware variant");
+        variant = &hwVariants[FallbackVariant];
+    });
+    return *variant;
+}
+
+} // namespace bsp
+} // namespace os

@@ -1,0 +1,69 @@
+#include "Bsp.h"
+#include "ConstantNames.h"
+#include "DDevIo.h"
+
+#include <atomic>
+#include <memory>
+
+#include <unistd.h>
+
+namespace os
+{
+namespace bsp
+{
+
+namespace
+{
+
+constexpr const char* ControlDevice = "top.sys_ctrl0";
+constexpr std::size_t ResetCauseOffset = 0;
+constexpr int DefaultMutexType = 0;
+constexpr const char* ColdRestartMarker = "/tmp/restart_cold";
+
+constexpr ConstantName resetTypes[] = {BSP_RESET_TYPE_ROWS(BSP_NAME_ROW, ResetType)
+                                           BSP_NAME_ROW(ResetType, EndOfList)};
+
+/** Unknown stands for "not worked out yet" as well. */
+std::atomic<ResetType> cachedResetType{ResetType::Unknown};
+
+/** The reset register's word as it stands there; Unknown when it cannot be read. */
+ResetType readResetCause()
+{
+    const std::unique_ptr<DDevIo::IDevice> device = DDevIo::Factory::getInstance().createUnique(
+        ControlDevice, std::make_unique<DDevIo::PthreadMutex>(DefaultMutexType));
+    auto* registers = dynamic_cast<DDevIo::Device<unsigned int>*>(device.get());
+    if (registers == nullptr) {
+        return ResetType::Unknown;
+    }
+    auto word = static_cast<unsigned int>(ResetType::Unknown);
+    registers->read(ResetCauseOffset, word);
+    return static_cast<ResetType>(word);
+}
+
+/** On boards without a reset register only one product can have had a warm restart. */
+ResetType deduceResetCause()
+{
+    const bool warm =
+        getProductId() == ProductId::KT4851_4 && ::access(ColdRestartMarker, F_OK) == -1;
+    return warm ? ResetType::Warm : ResetType::Cold;
+}
+
+} // namespace
+
+ResetType getResetType()
+{
+    ResetType type = cachedResetType.load(std::memory_order_relaxed);
+    if (type == ResetType::Unknown) {
+        type = getPlatformType() == PlatformType::Nxu4 ? readResetCause() : deduceResetCause();
+        cachedResetType.store(type, std::memory_order_relaxed);
+    }
+    return type;
+}
+
+std::string resetTypeToString(const ResetType& type)
+{
+    return nameOf(resetTypes, static_cast<int>(type));
+}
+
+} // namespace bsp
+} // namespace os

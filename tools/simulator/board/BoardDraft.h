@@ -1,0 +1,41 @@
+#ifndef TOOLS_BOARD_BOARDDRAFT_H
+#define TOOLS_BOARD_BOARDDRAFT_H
+
+#include "board/Directory.h"
+
+#include <string>
+
+/**
+ * A board's directory in the making, beside the place that it is for; gone unless published.
+ *
+ * It is held (see hold) as long as it is worked on. A draft that nobody holds is of a program that
+ * was killed; the next draft beside it takes it away.
+ */
+class BoardDraft
+{
+public:
+    /** @throws Failure when the place is taken or nothing can be made there */
+    explicit BoardDraft(const std::filesystem::path& place);
+    ~BoardDraft();
+    BoardDraft(const BoardDraft&) = delete;
+    BoardDraft& operator=(const BoardDraft&) = delete;
+
+    /** The directory, which messages call by its place. */
+    const Directory& directory() const { return m_directory; }
+
+    /**
+     * Moves the directory to its place, where nothing or an empty directory may be.
+     * @throws Failure when that is not so
+     */
+    void publish();
+
+private:
+    Directory makeDraft();
+
+    std::filesystem::path m_place;
+    Directory m_parent;
+    std::string m_name; /**< Of the draft; empty when it is published. */
+    Directory m_directory;
+};
+
+#endif

@@ -1,0 +1,97 @@
+#include "board/Files.h"
+
+#include "FileDescriptor.h"
+#include "report/Failure.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+namespace files
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+std::string quoted(const fs::path& path)
+{
+    return "'" + path.string() + "'";
+}
+
+std::string readFile(const FileDescriptor& file, const fs::path& path, std::size_t size)
+{
+    std::string contents(size, '\0');
+    std::size_t have = 0;
+    while (have < size) {
+        const ssize_t count = ::read(file.get(), contents.data() + have, size - have);
+        if (count > 0) {
+            have += static_cast<std::size_t>(count);
+        } else if (count == 0) {
+            break;
+        } else if (errno != EINTR) {
+            throw Failure("cannot read " + quoted(path), errno);
+        }
+    }
+    contents.resize(have);
+    return contents;
+}
+
+/** Devices give their memory to a mapping only; reading them has another meaning. */
+std::string readMapped(const FileDescriptor& file, const fs::path& path, std::size_t size)
+{
+    void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0);
+    if (memory == MAP_FAILED) {
+        throw Failure("cannot read " + quoted(path), errno);
+    }
+    // Registers are whole words, so they are copied by words.
+    std::string contents(size, '\0');
+    const auto* words = static_cast<const volatile std::uint32_t*>(memory);
+    for (std::size_t offset = 0; offset + sizeof *words <= size; offset += sizeof *words) {
+        const std::uint32_t word = words[offset / sizeof *words];
+        std::copy_n(reinterpret_cast<const char*>(&word), sizeof word, contents.data() + offset);
+    }
+    ::munmap(memory, size);
+    return contents;
+}
+
+} // namespace
+
+std::string readStart(const fs::path& path, std::size_t size)
+{
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status
+    {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        throw Failure("cannot read " + quoted(path), errno);
+    }
+    return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
+}
+
+void write(const FileDescriptor& file, const fs::path& name, const std::string& contents)
+{
+    std::size_t done = 0;
+    while (done < contents.size()) {
+        const ssize_t count = ::write(file.get(), contents.data() + done, contents.size() - done);
+        if (count >= 0) {
+            done += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            throw Failure("cannot write " + quoted(name), errno);
+        }
+    }
+}
+
+void replace(const FileDescriptor& file, const fs::path& name, const std::string& contents)
+{
+    if (::ftruncate(file.get(), 0) != 0) {
+        throw Failure("cannot write " + quoted(name), errno);
+    }
+    write(file, name, contents);
+}
+
+} // namespace files

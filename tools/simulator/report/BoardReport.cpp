@@ -1,0 +1,210 @@
+#include "report/BoardReport.h"
+
+#include "Bsp.h"
+#include "Led.h"
+#include "SettingsFile.h"
+#include "board/Files.h"
+#include "board/HardwareCode.h"
+#include "board/WarmArea.h"
+#include "report/Failure.h"
+#include "report/Text.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iomanip>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/** Writes one line: what it is about, and the fact. */
+void write(std::ostream& out, const std::string& subject, const std::string& fact)
+{
+    out << std::setw(16) << std::left << subject << fact << '\n';
+}
+
+/** The text that a function answers, or why there is none. */
+template <typename Answer> std::string answerOrReason(const Answer& answer)
+{
+    try {
+        return answer();
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string readExactly(const fs::path& path, std::size_t size)
+{
+    std::string bytes = files::readStart(path, size);
+    if (bytes.size() < size) {
+        throw Failure("'" + path.string() + "' has " + std::to_string(bytes.size()) +
+                      " bytes instead of " + std::to_string(size));
+    }
+    return bytes;
+}
+
+/** The variant that the layer works with, and whether the board's code says so. */
+std::string variantText(const Board& board)
+{
+    const os::bsp::NxuHwVariant* const variant = Bsp_getNxuHwVariant();
+    const std::string index = std::to_string(variant - os::bsp::hwVariants.data());
+    try {
+        const bool known =
+            readExactly(board.eeprom(), Board::EepromSize) == hardwarecode::bytesOf(variant->code);
+        return known ? index : index + " (the code is not known)";
+    } catch (const Failure&) {
+        return index + " (the code cannot be read)";
+    }
+}
+
+void reportIdentity(std::ostream& out, const Board& board)
+{
+    // The layer answers here as it does for every program on this board.
+    ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    write(out, "Hardware code", answerOrReason([&] {
+              return hardwarecode::textOf(readExactly(board.eeprom(), Board::EepromSize));
+          }));
+    write(out, "Variant", variantText(board));
+    write(out, "Product", nameOf(os::bsp::productIdNames, os::bsp::getProductId()));
+    const int revision = os::bsp::getHwRevision();
+    write(out, "Revision",
+          std::to_string(revision) + " (" + nameOf(os::bsp::hwRevisionNames, revision) + ")");
+    write(out, "Platform", nameOf(os::bsp::platformTypeNames, os::bsp::getPlatformType()));
+}
+
+std::uint32_t resetCause(const Board& board)
+{
+    const std::string bytes = readExactly(board.registers(), sizeof(std::uint32_t));
+    std::uint32_t cause = 0;
+    std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(&cause));
+    return cause;
+}
+
+std::string resetCauseText(const Board& board)
+{
+    const std::uint32_t cause = resetCause(board);
+    return std::to_string(cause) + " (" + nameOf(os::bsp::resetTypeNames, static_cast<int>(cause)) +
+           ")";
+}
+
+bool isThere(const fs::path& path)
+{
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+void reportRestart(std::ostream& out, const Board& board)
+{
+    write(out, "Reset cause", answerOrReason([&] { return resetCauseText(board); }));
+    write(out, "Cold marker", isThere(board.coldMarker()) ? "present" : "absent");
+}
+
+settings::Entries storeEntries(const fs::path& path)
+{
+    const auto contents = settings::read(path);
+    return contents ? contents->entries : settings::Entries{};
+}
+
+void reportStore(std::ostream& out, const Board& board)
+{
+    std::string subject = "Store";
+    try {
+        const settings::Entries entries = storeEntries(board.store());
+        if (entries.empty()) {
+            write(out, subject, "empty");
+        }
+        for (const auto& [key, value] : entries) {
+            write(out, subject, printable(key) + " = " + printable(value));
+            subject.clear();
+        }
+    } catch (const std::exception& error) {
+        write(out, subject, "cannot read '" + board.store().string() + "': " + error.what());
+    }
+}
+
+std::string ledState(const Board& board, const std::string& led)
+{
+    constexpr std::size_t enough = 64;
+    const std::string text = files::readStart(board.ledState(led), enough);
+    // A plain file keeps the end of a longer former text, where the kernel's attribute does not.
+    const unsigned int state = Led_stateNameToStateObject(text.c_str());
+    return state < NoOfLedStates ? Led_stateObjectToStateName(state)
+                                 : "unknown state '" + printable(text) + "'";
+}
+
+void reportLeds(std::ostream& out, const Board& board)
+{
+    for (unsigned int led = 0; led < NoOfLeds; ++led) {
+        const std::string name = Led_objectToName(led);
+        write(out, "LED " + name, answerOrReason([&] { return ledState(board, name); }));
+    }
+}
+
+void reportBlocks(std::ostream& out, const WarmArea& area, bool dump)
+{
+    const std::vector<WarmArea::Block> blocks = area.usedBlocks();
+    write(out, "Warm area",
+          std::to_string(blocks.size()) + " of " + std::to_string(area.numberOfBlocks()) +
+              " blocks used");
+    for (const WarmArea::Block& block : blocks) {
+        write(out, "Block " + std::to_string(block.number), printable(block.name));
+        if (dump) {
+            out << hexDump(block.bytes, block.offset);
+        }
+    }
+    if (const auto slotId = area.slotId()) {
+        write(out, "Slot id", std::to_string(*slotId));
+    }
+}
+
+bool isColdByRegister(const Board& board)
+{
+    try {
+        return resetCause(board) == static_cast<std::uint32_t>(os::bsp::ResetType::Cold);
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+/** Whether the layer takes the last restart for a cold one, when it starts there. */
+bool countsAsCold(const Board& board)
+{
+    if (os::bsp::getPlatformType() == os::bsp::PlatformType::Nxu4) {
+        return isColdByRegister(board);
+    }
+    return os::bsp::getProductId() != os::bsp::ProductId::KT4851_4 || isThere(board.coldMarker());
+}
+
+/** Whether the area holds what power-up left there, and the first program will clear it. */
+bool isNotClearedYet(const WarmArea& area, const Board& board)
+{
+    // While a program uses the area there is its semaphore.
+    return !area.isWritten() && !isThere(board.sharedMemory() / "sem.DtcmDbSharedSem") &&
+           countsAsCold(board);
+}
+
+void reportWarmArea(std::ostream& out, const Board& board, bool dump)
+{
+    try {
+        const WarmArea area(readExactly(board.dtcm(), Board::DtcmSize));
+        if (isNotClearedYet(area, board)) {
+            write(out, "Warm area", "not cleared yet");
+        } else {
+            reportBlocks(out, area, dump);
+        }
+    } catch (const Failure& failure) {
+        write(out, "Warm area", failure.what());
+    }
+}
+
+} // namespace
+
+void reportBoard(std::ostream& out, const Board& board, bool dump)
+{
+    reportIdentity(out, board);
+    reportRestart(out, board);
+    reportStore(out, board);
+    reportLeds(out, board);
+    reportWarmArea(out, board, dump);
+}

@@ -1,0 +1,142 @@
+#include "running/Isolators.h"
+
+#include "report/Failure.h"
+#include "running/CommandRunner.h"
+#include "running/Executable.h"
+#include "running/ExitStatus.h"
+#include "running/Starter.h"
+
+#include <csignal>
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr const char* Impossible =
+    "cannot separate a board from the host, which takes namespaces or ptrace: ";
+std::optional<fs::path> find(const std::string& program)
+{
+    for (const fs::path& file : executable::candidates(program)) {
+        if (executable::whyNot(file) == 0) {
+            return file;
+        }
+    }
+    return std::nullopt;
+}
+
+/** What bubblewrap says when it does the same for a command that does nothing; empty: it can. */
+std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::string> words)
+{
+    const FileDescriptor complaints = makeScratchFile();
+    words.insert(words.begin(), "bwrap");
+    words.insert(words.end(), {"--", "/bin/true"});
+    // There is no status where the parent ignores it.
+    static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
+    const pid_t process = ::fork();
+    if (process == -1) {
+        throw Failure("cannot start a process", errno);
+    }
+    if (process == 0) {
+        const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+        ::dup2(nothing, STDIN_FILENO);
+        ::dup2(nothing, STDOUT_FILENO);
+        ::dup2(complaints.get(), STDERR_FILENO);
+        become(bubblewrap, words);
+        ::_exit(NotStarted);
+    }
+    int status = 0;
+    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    }
+    if (exitStatus(status) == 0) {
+        return "";
+    }
+    const std::string line = firstLine(complaints);
+    return line.empty() ? "exit status " + std::to_string(exitStatus(status)) : line;
+}
+
+/** Why a program cannot be used, for the message when none remains. */
+std::string refused(const std::string& program)
+{
+    return program + " is refused here (";
+}
+
+/** Tries to use bubblewrap; the reason when that is not possible. */
+std::string tryBubblewrap(Launch& launch, const Sandbox& sandbox, const fs::path& workingDirectory)
+{
+    const std::optional<fs::path> program = find("bwrap");
+    if (!program) {
+        return "bubblewrap is not installed";
+    }
+    std::vector<std::string> words = sandbox.wordsForBubblewrap();
+    words.insert(words.end(), {"--chdir", workingDirectory.string()});
+    const std::string refusal = bubblewrapsRefusal(*program, words);
+    if (!refusal.empty()) {
+        return refused("bubblewrap") + refusal + ')';
+    }
+    launch.through = Launch::Through::Bubblewrap;
+    launch.program = *program;
+    launch.programsWords = words;
+    return "";
+}
+
+/** The same for proot; whether it is refused shows when it is used. */
+std::string tryProot(Launch& launch, const Sandbox& sandbox, const Board& board,
+                     const fs::path& workingDirectory)
+{
+    const std::optional<fs::path> program = find("proot");
+    if (!program) {
+        return "proot is not installed";
+    }
+    launch.through = Launch::Through::Proot;
+    launch.program = *program;
+    Sandbox withRunner = sandbox;
+    if (const fs::path own = ownProgram(); Sandbox::isHidden(own)) {
+        withRunner.show(own);
+    }
+    launch.programsWords = withRunner.wordsForProot();
+    launch.programsWords.insert(launch.programsWords.end(), {"-w", workingDirectory.string()});
+    launch.directory = board.directory();
+    launch.refusal += refused("proot");
+    return "";
+}
+
+std::string howToInstall(bool bubblewrap, bool proot)
+{
+    return std::string(" (on Debian: apt-get install") + (bubblewrap ? " bubblewrap" : "") +
+           (proot ? " proot" : "") + ')';
+}
+
+} // namespace
+
+Launch chooseIsolator(const Sandbox& sandbox, const Board& board, Isolation isolation,
+                      const fs::path& workingDirectory)
+{
+    Launch launch;
+    launch.refusal = Impossible;
+    std::string reason;
+    if (isolation != Isolation::Proot) {
+        reason = tryBubblewrap(launch, sandbox, workingDirectory);
+        if (reason.empty()) {
+            return launch;
+        }
+        launch.refusal += reason + "; ";
+    }
+    if (isolation != Isolation::Bubblewrap) {
+        const std::string prootsReason = tryProot(launch, sandbox, board, workingDirectory);
+        if (prootsReason.empty()) {
+            return launch;
+        }
+        reason += (reason.empty() ? "" : "; ") + prootsReason;
+    }
+    const bool bubblewrapMissing = reason.rfind("bubblewrap is not", 0) == 0;
+    const bool prootMissing = isolation != Isolation::Bubblewrap;
+    throw Failure(
+        Impossible + reason +
+        (bubblewrapMissing || prootMissing ? howToInstall(bubblewrapMissing, prootMissing) : ""));
+}

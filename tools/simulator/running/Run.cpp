@@ -1,0 +1,116 @@
+#include "running/Run.h"
+
+#include "report/Failure.h"
+#include "running/CommandRunner.h"
+#include "running/Executable.h"
+#include "running/ExitStatus.h"
+#include "running/Isolators.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+void keepVisible(Sandbox& sandbox, const fs::path& path)
+{
+    sandbox.keepVisible(path);
+    sandbox.keepVisible(fs::weakly_canonical(path));
+}
+
+/** Lets the sandbox show the command's file; the error when there is none that can be run. */
+int findCommand(Sandbox& sandbox, const std::string& command)
+{
+    int error = ENOENT;
+    for (const fs::path& candidate : executable::candidates(command)) {
+        // A board's own file comes before the host's of the same path.
+        const int onBoard = executable::whyNot(sandbox.onHost(candidate));
+        const int onHost = onBoard == 0 ? 0 : executable::whyNot(candidate);
+        if (onHost == 0) {
+            if (onBoard != 0 || !Sandbox::isHidden(candidate)) {
+                keepVisible(sandbox, candidate);
+            }
+            return 0;
+        }
+        error = onHost == ENOENT || onHost == ENOTDIR ? error : onHost;
+    }
+    return error;
+}
+
+/** The same on the host; what is between this program and the command finds it by itself. */
+int findCommand(const std::string& command)
+{
+    int error = ENOENT;
+    for (const fs::path& candidate : executable::candidates(command)) {
+        const int reason = executable::whyNot(candidate);
+        if (reason == 0) {
+            return 0;
+        }
+        error = reason == ENOENT || reason == ENOTDIR ? error : reason;
+    }
+    return error;
+}
+
+int reportUnusable(const std::string& command, int error)
+{
+    const bool missing = error == ENOENT;
+    std::cerr << "bsp-board: "
+              << (missing ? "cannot run '" + command + "': not found"
+                          : Failure("cannot run '" + command + "'", error).what())
+              << '\n';
+    return missing ? NotFound : NotRunnable;
+}
+
+int runIsolated(const Board& board, const std::vector<std::string>& command,
+                const RunOptions& options)
+{
+    const fs::path workingDirectory = fs::current_path();
+    Sandbox sandbox(board);
+    sandbox.keepVisible(workingDirectory);
+    sandbox.keepListed("PATH");
+    sandbox.keepListed("LD_LIBRARY_PATH");
+    for (const fs::path& path : options.visible) {
+        sandbox.show(path);
+    }
+    if (const int error = findCommand(sandbox, command.front())) {
+        return reportUnusable(command.front(), error);
+    }
+    Launch launch = chooseIsolator(sandbox, board, options.isolation, workingDirectory);
+    launch.command = command;
+    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    if (std::getenv("TMPDIR") != nullptr) { // NOLINT(concurrency-mt-unsafe): one thread
+        launch.environment.emplace_back("TMPDIR", "/tmp");
+    }
+    return supervise(launch);
+}
+
+int runAlone(const Board& board, const std::vector<std::string>& command)
+{
+    if (const int error = findCommand(command.front())) {
+        return reportUnusable(command.front(), error);
+    }
+    Launch launch;
+    launch.command = command;
+    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    return supervise(launch);
+}
+
+} // namespace
+
+int runOnBoard(const Board& place, const std::vector<std::string>& command,
+               const RunOptions& options)
+{
+    try {
+        // A program on the board may not see the links that lead there.
+        const Board board(fs::canonical(place.directory()));
+        return options.isolation == Isolation::None ? runAlone(board, command)
+                                                    : runIsolated(board, command, options);
+    } catch (const fs::filesystem_error& error) {
+        const std::string path = error.path1().string();
+        throw Failure(path.empty() ? "cannot find the working directory"
+                                   : "cannot use '" + path + "'",
+                      error.code().value());
+    }
+}

@@ -1,0 +1,171 @@
+#include "running/Starter.h"
+
+#include "report/Failure.h"
+#include "running/CommandRunner.h"
+#include "running/ExitStatus.h"
+#include "running/OldSystemCalls.h"
+
+#include <array>
+#include <cstdlib>
+#include <iostream>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+using Words = std::vector<std::string>;
+
+[[noreturn]] void giveUp(const std::string& what, int error)
+{
+    std::cerr << "bsp-board: " << Failure(what, error).what() << std::endl;
+    ::_exit(NotStarted);
+}
+
+/** Prepares a new process for its program and becomes that. */
+[[noreturn]] void become(const Launch& launch, Words words, const Signals& signals)
+{
+    if (!launch.directory.empty() && ::chdir(launch.directory.c_str()) != 0) {
+        giveUp("cannot use '" + launch.directory.string() + "'", errno);
+    }
+    for (const auto& [name, value] : launch.environment) {
+        ::setenv(name.c_str(), value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread
+    }
+    words.insert(words.end(), launch.command.begin(), launch.command.end());
+    signals.restore();
+    const std::filesystem::path program =
+        launch.program.empty() ? std::filesystem::path(launch.command.front()) : launch.program;
+    const int error = ::become(program, words);
+    giveUp("cannot run '" + program.string() + "'", error);
+}
+
+void add(Words& words, const Words& more)
+{
+    words.insert(words.end(), more.begin(), more.end());
+}
+
+void passOn(const FileDescriptor& file)
+{
+    ::fcntl(file.get(), F_SETFD, 0);
+}
+
+pid_t forkOrThrow()
+{
+    const pid_t process = ::fork();
+    if (process == -1) {
+        throw Failure("cannot start a process", errno);
+    }
+    return process;
+}
+
+Started startBubblewrap(const Launch& launch, const Signals& signals)
+{
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        throw Failure("cannot make a pipe", errno);
+    }
+    Started started;
+    started.reports = FileDescriptor(ends[0]);
+    const FileDescriptor writing(ends[1]);
+    started.process = forkOrThrow();
+    if (started.process == 0) {
+        passOn(writing);
+        Words words{"bwrap", "--json-status-fd", std::to_string(writing.get())};
+        add(words, launch.programsWords);
+        words.emplace_back("--");
+        become(launch, words, signals);
+    }
+    return started;
+}
+
+/**
+ * proot waits for all that the command leaves running, and cannot tell which signal ended it. So
+ * it has no part in the command's standard streams, and a program of this one's runs the command.
+ */
+Started startProot(const Launch& launch, const Signals& signals)
+{
+    std::array<int, 2> ends{};
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        throw Failure("cannot make a pair of sockets", errno);
+    }
+    Started started;
+    started.reports = FileDescriptor(ends[0]);
+    started.complaints = makeScratchFile();
+    const FileDescriptor far(ends[1]);
+    sendStandardStreams(started.reports);
+    started.process = forkOrThrow();
+    if (started.process == 0) {
+        const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+        ::dup2(nothing, STDIN_FILENO);
+        ::dup2(nothing, STDOUT_FILENO);
+        ::dup2(started.complaints.get(), STDERR_FILENO);
+        if (const int error = allowOldSystemCallsOnly()) {
+            giveUp("cannot filter system calls", error);
+        }
+        passOn(far);
+        Words words{"proot"};
+        add(words, launch.programsWords);
+        add(words, wordsToRunCommand(far.get()));
+        become(launch, words, signals);
+    }
+    return started;
+}
+
+Started startAlone(const Launch& launch, const Signals& signals)
+{
+    Started started;
+    started.process = forkOrThrow();
+    if (started.process == 0) {
+        become(launch, {}, signals);
+    }
+    return started;
+}
+
+} // namespace
+
+int become(const std::filesystem::path& program, const Words& words)
+{
+    Words copies = words;
+    std::vector<char*> pointers;
+    pointers.reserve(copies.size() + 1);
+    for (std::string& word : copies) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    // As a shell does, runs a text without an interpreter's name with sh.
+    ::execvp(program.c_str(), pointers.data());
+    return errno;
+}
+
+Started start(const Launch& launch, const Signals& signals)
+{
+    switch (launch.through) {
+    case Launch::Through::Bubblewrap:
+        return startBubblewrap(launch, signals);
+    case Launch::Through::Proot:
+        return startProot(launch, signals);
+    case Launch::Through::Nothing:
+        break;
+    }
+    return startAlone(launch, signals);
+}
+
+FileDescriptor makeScratchFile()
+{
+    FileDescriptor file(::memfd_create("complaints", MFD_CLOEXEC));
+    if (!file.isOpen()) {
+        throw Failure("cannot make a file in memory", errno);
+    }
+    return file;
+}
+
+std::string firstLine(const FileDescriptor& scratch)
+{
+    std::array<char, 1024> buffer{};
+    const ssize_t count = ::pread(scratch.get(), buffer.data(), buffer.size(), 0);
+    const std::string text(buffer.data(), static_cast<std::size_t>(count > 0 ? count : 0));
+    return text.substr(0, text.find('\n'));
+}
