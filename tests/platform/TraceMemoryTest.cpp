@@ -1,42 +1,8 @@
 #include "Program.h"
+#include "ScarceMemory.h"
 #include "TraceTest.h"
 
-#include <cstdlib>
-#include <new>
-
-namespace
-{
-
-/** How many allocations of this thread succeed; -1 is all. */
-thread_local long allocationsLeft = -1;
-bool wasRefused = false;
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    if (allocationsLeft == 0) {
-        wasRefused = true;
-        throw std::bad_alloc();
-    }
-    if (allocationsLeft > 0) {
-        --allocationsLeft;
-    }
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
+#include <optional>
 
 namespace
 {
@@ -46,31 +12,12 @@ using testing::Gt;
 using testing::IsEmpty;
 using testing::IsNull;
 using testsupport::Header;
+using testsupport::untilItIsEnough;
 
 const std::string Name = "a.channel.with.a.long.name";
 const std::string Text = "a text that is longer than what a string holds without any memory";
 
-class TraceMemory : public testsupport::TraceTest
-{
-protected:
-    /**
-     * Does the work with memory for no allocation, for one, for two and so on, until it was enough.
-     *
-     * @return how many allocations the work needs
-     */
-    template <typename Work> static long untilItIsEnough(Work work)
-    {
-        for (long count = 0;; ++count) {
-            wasRefused = false;
-            allocationsLeft = count;
-            work();
-            allocationsLeft = -1;
-            if (!wasRefused) {
-                return count;
-            }
-        }
-    }
-};
+using TraceMemory = testsupport::TraceTest;
 
 TEST_F(TraceMemory, MayBeMissingForAPrintedMessage)
 {
@@ -101,11 +48,10 @@ TEST_F(TraceMemory, MayBeMissingForAMessageOfPieces)
 
 TEST_F(TraceMemory, MayBeMissingForAChannel)
 {
-    allocationsLeft = 0;
-    HvxTrace channel(Name, 3);
-    allocationsLeft = -1;
-    EXPECT_THAT(channel.m_state, IsNull());
-    write(channel, 1, Text);
+    std::optional<HvxTrace> channel;
+    testsupport::withoutMemory([&] { channel.emplace(Name, 3); });
+    EXPECT_THAT(channel->m_state, IsNull());
+    write(*channel, 1, Text);
     EXPECT_THAT(lines(), IsEmpty());
     HvxTrace later(Name, 3);
     write(later, 1, Text);

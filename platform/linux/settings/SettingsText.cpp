@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 #include <stdexcept>
 
 namespace settings
@@ -131,14 +130,16 @@ void checkKey(const std::string& key)
 
 SettingsText::SettingsText(const std::string& text)
 {
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
+    // Not by a stream, which ends early, without a word, when there is no memory.
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
         try {
-            m_lines.push_back(parse(line));
+            m_lines.push_back(parse(text.substr(begin, end - begin)));
         } catch (const std::runtime_error& error) {
             throw std::runtime_error("line " + std::to_string(m_lines.size() + 1) + ": " +
                                      error.what());
         }
+        begin = end + 1;
     }
 }
 
