@@ -1,6 +1,10 @@
 #include "Program.h"
 #include "TraceTest.h"
 
+#include <functional>
+#include <thread>
+#include <utility>
+
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -10,6 +14,8 @@ namespace
 
 /** Whether this process has more rights than who started it. */
 bool hasRaisedRights = false;
+/** Done once, when the library reads its next setting. */
+std::function<void()> meanwhile;
 
 } // namespace
 
@@ -21,6 +27,9 @@ extern "C"
 
 char* __wrap_secure_getenv(const char* name)
 {
+    if (meanwhile) {
+        std::exchange(meanwhile, nullptr)();
+    }
     return hasRaisedRights ? nullptr : __real_secure_getenv(name);
 }
 
@@ -80,6 +89,31 @@ TEST_F(TraceRights, WhenRaisedByTheSystemLeaveTheEnvironmentUnheeded)
         EXPECT_EQ(outcome.status, 0);
         EXPECT_THAT(lines(), SizeIs(mode == 0755U ? 2 : 0));
     }
+}
+
+TEST_F(TraceRights, AreLookedAtByAProcessThatIsForkedMeanwhileToo)
+{
+    if (!std::string(BSP_TEST_EMULATOR).empty()) {
+        GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
+    }
+    setLevels("bad");
+    testing::internal::CaptureStderr();
+    int status = -1;
+    meanwhile = [&] {
+        std::thread([&] {
+            const pid_t process = ::fork();
+            if (process == 0) {
+                ::alarm(30);
+                ::_exit(levelOf("channel") == 3 ? 0 : 1);
+            }
+            status = testsupport::waitFor(process);
+        }).join();
+    };
+    EXPECT_EQ(levelOf("channel"), 3U);
+    EXPECT_EQ(status, 0);
+    const std::string report =
+        "qeltrace: ignoring 'bad' in QELTRACE_LEVEL: not of the form CHANNEL=LEVEL\n";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), report + report); // of either process
 }
 
 } // namespace

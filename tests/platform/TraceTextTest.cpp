@@ -1,4 +1,7 @@
+#include "Program.h"
 #include "TraceTest.h"
+
+#include <cstdlib>
 
 namespace
 {
@@ -9,6 +12,16 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::SizeIs;
 using testsupport::Header;
+
+// A static object, made before those of the library, writes where such a variable says.
+const char* const Early = "BSP_TEST_EARLY_TEXT";
+[[maybe_unused]] const bool isWritten = [] {
+    if (const char* const text = ::getenv(Early)) {
+        GT_TraceRecord record{TraceRecordStartLevel, "channel"};
+        GT_printf2(&record, 1, &Header, "%s", text);
+    }
+    return true;
+}();
 
 struct TextCase
 {
@@ -136,6 +149,16 @@ TEST_F(TraceText, IsCutBetweenTwoLetters)
         EXPECT_THAT(lines()[2 * i], EndsWith("\xC3\xBC..."));
         EXPECT_THAT(lines()[2 * i + 1], EndsWith("\\x0A..."));
     }
+}
+
+TEST_F(TraceText, IsCutWithAMarkBeforeMainToo)
+{
+    testsupport::Program program{};
+    program.path = std::filesystem::read_symlink("/proc/self/exe");
+    program.arguments = {"--gtest_filter=-*"};
+    program.environment = {{Early, std::string(5000, 'x')}};
+    EXPECT_EQ(program.run().status, 0);
+    EXPECT_THAT(texts(), ElementsAre(EndsWith("xxx...")));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <sstream>
+#include <utility>
 
 #include <fcntl.h>
 #include <grp.h>
@@ -28,6 +29,8 @@ using testsupport::TraceTest;
 
 /** The system log that the library connects to. */
 std::string systemLog;
+/** Done once, when the library connects to it next. */
+std::function<void()> meanwhile;
 
 } // namespace
 
@@ -55,6 +58,9 @@ int __wrap_connect(int fd, const sockaddr* address, socklen_t size)
     const auto* local = reinterpret_cast<const sockaddr_un*>(address);
     if (systemLog.empty() || local->sun_path != std::string("/dev/log")) {
         return __real_connect(fd, address, size);
+    }
+    if (meanwhile) {
+        std::exchange(meanwhile, nullptr)();
     }
     const sockaddr_un other = addressOf(systemLog);
     return __real_connect(fd, reinterpret_cast<const sockaddr*>(&other), sizeof other);
@@ -378,6 +384,19 @@ TEST_F(WaitingSystemLog, MayComeLater)
     trace("text");
     EXPECT_THAT(receiveAll(log),
                 ElementsAre(EndsWith(" messages lost: 1"), MatchesRegex(message("text"))));
+}
+
+TEST_F(WaitingSystemLog, HearsOfALostMessageFromOneThreadAlone)
+{
+    trace("nobody listens");
+    const FileDescriptor log = listen(SOCK_DGRAM);
+    // As another thread, which writes while this one tells of the loss.
+    meanwhile = [&] { trace("other"); };
+    trace("text");
+    trace("later");
+    EXPECT_THAT(receiveAll(log),
+                ElementsAre(MatchesRegex(message("other")), EndsWith(" messages lost: 1"),
+                            MatchesRegex(message("text")), MatchesRegex(message("later"))));
 }
 
 } // namespace

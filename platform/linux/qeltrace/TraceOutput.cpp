@@ -55,7 +55,7 @@ bool put(const TraceSettings& settings, HvxTraceLevel level, const std::string& 
 
 void tellOfLostLines(const TraceSettings& settings)
 {
-    const unsigned long lost = lostLines.load();
+    unsigned long lost = lostLines.load();
     if (lost == 0) {
         return;
     }
@@ -63,8 +63,9 @@ void tellOfLostLines(const TraceSettings& settings)
     constexpr HvxTraceHeader Here{__FILE__, __LINE__, "tellOfLostLines"};
     const std::string line =
         makeLine("qeltrace", Error, Here, "messages lost: " + std::to_string(lost));
-    if (put(settings, Error, line)) {
-        lostLines -= lost;
+    // Others may be about to tell the same, or may have lost more.
+    if (lostLines.compare_exchange_strong(lost, 0) && !put(settings, Error, line)) {
+        lostLines += lost;
     }
 }
 

@@ -3,8 +3,10 @@
 #include "TraceText.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 #include <fnmatch.h>
 
@@ -66,8 +68,17 @@ void reportBadSetting(const std::string& variable, const std::string& setting,
 const TraceSettings& TraceSettings::instance()
 {
     // Never destroyed: static objects of other modules trace while they are destroyed.
-    static const TraceSettings& settings = *new TraceSettings;
-    return settings;
+    // Nobody needs a lock, which a process forked at the wrong moment would find taken for ever.
+    static std::atomic<const TraceSettings*> current{nullptr};
+    const TraceSettings* settings = current.load();
+    if (settings == nullptr) {
+        std::unique_ptr<const TraceSettings> made(new TraceSettings);
+        if (current.compare_exchange_strong(settings, made.get())) {
+            settings = made.release();
+            settings->reportRefused();
+        }
+    }
+    return *settings;
 }
 
 TraceSettings::TraceSettings()
@@ -102,15 +113,22 @@ void TraceSettings::readLevel(const std::string& item)
 {
     const std::size_t equals = item.rfind('=');
     if (equals == std::string::npos || equals == 0 || item.find(' ') != std::string::npos) {
-        reportBadSetting("QELTRACE_LEVEL", item, "not of the form CHANNEL=LEVEL");
+        m_refused.push_back({item, "not of the form CHANNEL=LEVEL"});
         return;
     }
     const std::optional<std::uint32_t> level = parseLevel(item.substr(equals + 1));
     if (!level) {
-        reportBadSetting("QELTRACE_LEVEL", item, "the level is not one of 0 to 7");
+        m_refused.push_back({item, "the level is not one of 0 to 7"});
         return;
     }
     m_levels.push_back({item.substr(0, equals), *level});
+}
+
+void TraceSettings::reportRefused() const
+{
+    for (const RefusedItem& refused : m_refused) {
+        reportBadSetting("QELTRACE_LEVEL", refused.item, refused.reason);
+    }
 }
 
 void TraceSettings::readOutput(const std::string& output)

@@ -44,12 +44,21 @@ private:
         std::uint32_t level;
     };
 
+    /** A part of QELTRACE_LEVEL that is not heeded. */
+    struct RefusedItem
+    {
+        std::string item;
+        const char* reason;
+    };
+
     TraceSettings();
+    void reportRefused() const;
     void readLevels(const std::string& levels);
     void readLevel(const std::string& item);
     void readOutput(const std::string& output);
 
     std::vector<LevelRule> m_levels;
+    std::vector<RefusedItem> m_refused;
     Output m_output = Output::Syslog;
     std::string m_fileName;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 namespace qeltrace
 {
@@ -10,7 +11,7 @@ namespace qeltrace
 namespace
 {
 
-const std::string CutMark = "...";
+constexpr std::string_view CutMark = "...";
 
 struct ByteRange
 {
@@ -81,7 +82,7 @@ std::string onOneLine(const std::string& text)
         line += length == 0 ? escaped(text[i]) : text.substr(i, length);
         i += std::max<std::size_t>(length, 1);
         if (line.size() > LongestLine) {
-            return line.substr(0, cut) + CutMark;
+            return line.substr(0, cut).append(CutMark);
         }
         if (line.size() + CutMark.size() <= LongestLine) {
             cut = line.size();
