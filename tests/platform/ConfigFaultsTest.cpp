@@ -3,9 +3,11 @@
 #include "NxuConfig.h"
 #include "OtherUser.h"
 #include "Sandbox.h"
+#include "SettingsChange.h"
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <functional>
 
 #include <sys/stat.h>
@@ -293,6 +295,28 @@ TEST_F(ConfigOfRoot, StaysTheUsersWhenRootChangesIt)
     EXPECT_TRUE(
         asAnother([&] { return config.get("key") == "root's" && config.set("key", "user's"); }));
     EXPECT_EQ(readFile(file), "key=user's\n");
+}
+
+TEST_F(ConfigOfRoot, NamesALockThatAnotherMayNotOpen)
+{
+    giveTheBoardAway();
+    EXPECT_TRUE(asAnother([&] { return config.set("key", "value"); }));
+    board.write("settings.lock", "");
+    std::filesystem::permissions(board.file("settings.lock"), std::filesystem::perms(0200));
+    EXPECT_TRUE(asAnother([&] {
+        const settings::Deadline soon(std::chrono::milliseconds(10));
+        try {
+            settings::change(
+                file, [](settings::SettingsText& text) { text.set("key", "other"); }, soon);
+        } catch (const std::exception& error) {
+            return error.what() == std::string("cannot open settings.lock: Permission denied");
+        }
+        return false;
+    }));
+    EXPECT_EQ(readFile(file), "key=value\n");
+    // Who may open it goes on with it.
+    EXPECT_TRUE(config.set("key", "root's"));
+    EXPECT_FALSE(board.has("settings.lock"));
 }
 
 TEST_F(ConfigOfRoot, IsSharedByThoseWhoMayWriteFileAndDirectory)

@@ -14,6 +14,22 @@ namespace
 
 constexpr mode_t Writable = S_IWUSR | S_IWGRP | S_IWOTH;
 
+/** The mode of a new lock: beside a file, that of its maker alone until it is shared. */
+mode_t firstMode(const std::optional<struct stat>& status)
+{
+    return status ? S_IWUSR : Writable;
+}
+
+/** Lets those open the lock, for writing only, who can write the file. */
+void share(const FileDescriptor& lock, const std::optional<struct stat>& status)
+{
+    if (status) {
+        // Who may not do so either can do without.
+        [[maybe_unused]] const int owned = ::fchown(lock.get(), status->st_uid, status->st_gid);
+        ::fchmod(lock.get(), (status->st_mode & Writable) | S_IWUSR);
+    }
+}
+
 } // namespace
 
 WriterLock::WriterLock(int directory, const std::string& name,
@@ -22,6 +38,9 @@ WriterLock::WriterLock(int directory, const std::string& name,
 {
     while (!tryToLock(status)) {
         if (!deadline.wait()) {
+            if (!open().isOpen() && errno == EACCES) {
+                throw std::system_error(errno, std::generic_category(), "cannot open " + m_name);
+            }
             throw std::runtime_error("another process holds " + m_name);
         }
     }
@@ -71,18 +90,37 @@ FileDescriptor WriterLock::open() const
     return openFileAt(m_directory, m_name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
 }
 
-/** Makes it so that those can open it, for writing only, who can write the file. */
 FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
 {
-    FileDescriptor file =
-        openFileAt(m_directory, m_name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, Writable);
+    FileDescriptor file = makeWhole(status);
+    if (file.isOpen() || errno == EEXIST) {
+        return file;
+    }
+    file = openFileAt(m_directory, m_name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW,
+                      firstMode(status));
     if (!file.isOpen() && errno != EEXIST) {
         throw std::system_error(errno, std::generic_category(), "cannot make " + m_name);
     }
-    if (file.isOpen() && status) {
-        // Who may not do so either can do without.
-        [[maybe_unused]] const int owned = ::fchown(file.get(), status->st_uid, status->st_gid);
-        ::fchmod(file.get(), (status->st_mode & Writable) | S_IWUSR);
+    if (file.isOpen()) {
+        share(file, status);
+    }
+    return file;
+}
+
+/**
+ * Gives the lock its name when others can open it, so that a process that is killed leaves nothing
+ * that they cannot open. Not every file system, and not every sandbox, allows that.
+ */
+FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) const
+{
+    FileDescriptor file = openFileAt(m_directory, ".", O_WRONLY | O_TMPFILE, firstMode(status));
+    if (!file.isOpen()) {
+        return file;
+    }
+    share(file, status);
+    const std::string unnamed = "/proc/self/fd/" + std::to_string(file.get());
+    if (::linkat(AT_FDCWD, unnamed.c_str(), m_directory, m_name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        return {};
     }
     return file;
 }

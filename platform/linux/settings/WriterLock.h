@@ -38,6 +38,7 @@ private:
     bool tryToLock(const std::optional<struct stat>& status);
     FileDescriptor open() const;
     FileDescriptor make(const std::optional<struct stat>& status) const;
+    FileDescriptor makeWhole(const std::optional<struct stat>& status) const;
     bool leadsTo(const FileDescriptor& file) const;
 
     const int m_directory;
