@@ -65,9 +65,38 @@ TEST_F(Completion, OffersCommands)
     EXPECT_THAT(offered({"restart", "board", "w"}), UnorderedElementsAre("warm", "watchdog"));
 }
 
+TEST_F(Completion, OffersWhatTheToolTellsOfItself)
+{
+    EXPECT_THAT(offered({"-"}), UnorderedElementsAre("--help", "--version"));
+}
+
+TEST_F(Completion, OffersTheOptionOfRestartAnywhere)
+{
+    EXPECT_THAT(offered({"restart", "-"}), ElementsAre("--trust-other-users"));
+    EXPECT_THAT(offered({"restart", "board", "-"}), ElementsAre("--trust-other-users"));
+    EXPECT_THAT(offered({"restart", "--trust-other-users", "b"}), ElementsAre("board"));
+    EXPECT_THAT(offered({"restart", "--trust-other-users", "board", "c"}), ElementsAre("cold"));
+    EXPECT_TRUE(offered({"restart", "board", "cold", ""}).empty());
+}
+
+TEST_F(Completion, OffersWhatCanBeSet)
+{
+    EXPECT_THAT(offered({"se"}), ElementsAre("set"));
+    EXPECT_THAT(offered({"set", "b"}), ElementsAre("board"));
+    EXPECT_THAT(offered({"set", "board", ""}),
+                UnorderedElementsAre("slot", "RadiolinkMode", "FpgaVariant"));
+    EXPECT_THAT(offered({"set", "board", "RadiolinkMode", ""}), UnorderedElementsAre("Rl4", "Rl5"));
+    EXPECT_THAT(offered({"set", "--any", "board", "FpgaVariant", ""}),
+                UnorderedElementsAre("TwoTdm", "OneTdmRleEqpNoMlhc"));
+    EXPECT_TRUE(offered({"set", "board", "slot", ""}).empty());
+    EXPECT_THAT(offered({"set", "board", "slot", "-"}),
+                UnorderedElementsAre("--clear", "--any", "--trust-other-users"));
+}
+
 TEST_F(Completion, OffersTheOptionsOfRun)
 {
-    EXPECT_THAT(offered({"run", "-"}), UnorderedElementsAre("--isolate", "--bind"));
+    EXPECT_THAT(offered({"run", "-"}),
+                UnorderedElementsAre("--isolate", "--bind", "--trust-other-users"));
     EXPECT_THAT(offered({"run", "--isolate", ""}),
                 UnorderedElementsAre("bubblewrap", "proot", "none"));
     EXPECT_THAT(offered({"run", "--isolate", "="}),
