@@ -2,6 +2,7 @@
 #define TOOLS_BOARD_FAILURE_H
 
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -14,6 +15,12 @@ public:
     /** A failed system call: "<what>: <text of the error>". */
     Failure(const std::string& what, int error)
         : std::runtime_error(what + ": " + std::generic_category().message(error))
+    {}
+    /** A failed call that names no file has looked for the working directory. */
+    explicit Failure(const std::filesystem::filesystem_error& error)
+        : Failure(error.path1().empty() ? "cannot find the working directory"
+                                        : "cannot use '" + error.path1().string() + "'",
+                  error.code().value())
     {}
 };
 

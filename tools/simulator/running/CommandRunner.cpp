@@ -5,13 +5,15 @@
 #include "running/Starter.h"
 
 #include <array>
+#include <charconv>
 #include <csignal>
 #include <cstring>
 #include <iostream>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -65,6 +67,20 @@ bool takeStandardStreams(int socket)
     return true;
 }
 
+/** The socket that the words in front of the command name; users have none to name. */
+std::optional<int> socketOf(const std::vector<std::string>& arguments)
+{
+    const std::string& text = arguments[1];
+    int number = -1;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    struct stat status
+    {};
+    if (result.ec != std::errc() || ::fstat(number, &status) != 0 || !S_ISSOCK(status.st_mode)) {
+        return std::nullopt;
+    }
+    return number;
+}
+
 void report(int socket, const char* what, int number)
 {
     const std::string text = '"' + std::string(what) + "\": " + std::to_string(number) + '\n';
@@ -77,14 +93,6 @@ void report(int socket, const char* what, int number)
     std::cerr << "bsp-board: " << Failure("cannot run '" + words.front() + "'", error).what()
               << std::endl;
     ::_exit(error == ENOENT ? NotFound : NotRunnable);
-}
-
-int waitForEnd(pid_t process)
-{
-    int status = 0;
-    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
-    }
-    return exitStatus(status);
 }
 
 } // namespace
@@ -125,12 +133,12 @@ void sendStandardStreams(const FileDescriptor& socket)
 
 bool isCommandRunner(const std::vector<std::string>& arguments)
 {
-    return arguments.size() > WordsInFront && arguments.front() == Mark;
+    return arguments.size() > WordsInFront && arguments.front() == Mark && socketOf(arguments);
 }
 
 int runCommand(const std::vector<std::string>& arguments)
 {
-    const int socket = std::stoi(arguments[1]);
+    const int socket = *socketOf(arguments);
     ::fcntl(socket, F_SETFD, FD_CLOEXEC);
     if (!takeStandardStreams(socket)) {
         return NotStarted;

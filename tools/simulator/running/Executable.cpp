@@ -36,6 +36,24 @@ std::vector<fs::path> candidates(const std::string& command)
     return files;
 }
 
+int worse(int error, int other)
+{
+    return other == ENOENT || other == ENOTDIR ? error : other;
+}
+
+std::optional<fs::path> find(const std::string& command, int& error)
+{
+    error = ENOENT;
+    for (const fs::path& candidate : candidates(command)) {
+        const int reason = whyNot(candidate);
+        if (reason == 0) {
+            return candidate;
+        }
+        error = worse(error, reason);
+    }
+    return std::nullopt;
+}
+
 int whyNot(const fs::path& file)
 {
     struct stat status

@@ -9,8 +9,6 @@
 #include <csignal>
 #include <optional>
 
-#include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace
@@ -20,14 +18,11 @@ namespace fs = std::filesystem;
 
 constexpr const char* Impossible =
     "cannot separate a board from the host, which takes namespaces or ptrace: ";
+
 std::optional<fs::path> find(const std::string& program)
 {
-    for (const fs::path& file : executable::candidates(program)) {
-        if (executable::whyNot(file) == 0) {
-            return file;
-        }
-    }
-    return std::nullopt;
+    int ignored = 0;
+    return executable::find(program, ignored);
 }
 
 /** What bubblewrap says when it does the same for a command that does nothing; empty: it can. */
@@ -43,21 +38,16 @@ std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::stri
         throw Failure("cannot start a process", errno);
     }
     if (process == 0) {
-        const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-        ::dup2(nothing, STDIN_FILENO);
-        ::dup2(nothing, STDOUT_FILENO);
-        ::dup2(complaints.get(), STDERR_FILENO);
+        leaveStandardStreams(complaints);
         become(bubblewrap, words);
         ::_exit(NotStarted);
     }
-    int status = 0;
-    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
-    }
-    if (exitStatus(status) == 0) {
+    const int status = waitForEnd(process);
+    if (status == 0) {
         return "";
     }
     const std::string line = firstLine(complaints);
-    return line.empty() ? "exit status " + std::to_string(exitStatus(status)) : line;
+    return line.empty() ? "exit status " + std::to_string(status) : line;
 }
 
 /** Why a program cannot be used, for the message when none remains. */

@@ -2,13 +2,14 @@
 
 #include "report/Failure.h"
 #include "running/ExitStatus.h"
-#include "running/Processes.h"
 #include "running/Starter.h"
 
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -21,6 +22,14 @@
 
 namespace
 {
+
+/** This process's children, also those that ended and have not been waited for. */
+std::vector<pid_t> children()
+{
+    const std::string self = std::to_string(::getpid());
+    std::ifstream list("/proc/" + self + "/task/" + self + "/children");
+    return {std::istream_iterator<pid_t>(list), {}};
+}
 
 /** What runs a command, and the command. */
 class Family
@@ -161,7 +170,7 @@ int Family::statusWithoutReport() const
 /** proot has something to tidy up; but it stays as long as anything runs in the background. */
 void Family::letProotEnd() const
 {
-    while (!m_startedsEnd && processes::children() == std::vector<pid_t>{m_started.process}) {
+    while (!m_startedsEnd && children() == std::vector<pid_t>{m_started.process}) {
         siginfo_t ended{};
         ::waitid(P_ALL, 0, &ended, WEXITED);
     }
@@ -174,7 +183,7 @@ void Family::kill()
         waitForCommand();
     }
     do {
-        for (const pid_t process : processes::children()) {
+        for (const pid_t process : children()) {
             // At this signal proot kills all that it runs and removes its temporary files.
             const bool canTidyUp = isProot && process == m_started.process && m_command != -1;
             ::kill(process, canTidyUp ? SIGQUIT : SIGKILL);

@@ -98,10 +98,7 @@ Started startProot(const Launch& launch, const Signals& signals)
     sendStandardStreams(started.reports);
     started.process = forkOrThrow();
     if (started.process == 0) {
-        const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-        ::dup2(nothing, STDIN_FILENO);
-        ::dup2(nothing, STDOUT_FILENO);
-        ::dup2(started.complaints.get(), STDERR_FILENO);
+        leaveStandardStreams(started.complaints);
         if (const int error = allowOldSystemCallsOnly()) {
             giveUp("cannot filter system calls", error);
         }
@@ -151,6 +148,22 @@ Started start(const Launch& launch, const Signals& signals)
         break;
     }
     return startAlone(launch, signals);
+}
+
+int waitForEnd(pid_t process)
+{
+    int status = 0;
+    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    }
+    return exitStatus(status);
+}
+
+void leaveStandardStreams(const FileDescriptor& complaints)
+{
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::dup2(nothing, STDIN_FILENO);
+    ::dup2(nothing, STDOUT_FILENO);
+    ::dup2(complaints.get(), STDERR_FILENO);
 }
 
 FileDescriptor makeScratchFile()

@@ -27,6 +27,12 @@ Started start(const Launch& launch, const Signals& signals);
 /** Turns this process into a program; the error when that fails. */
 int become(const std::filesystem::path& program, const std::vector<std::string>& words);
 
+/** Waits for a child's end: its exit status, or 128 + N after signal N. */
+int waitForEnd(pid_t process);
+
+/** Reads nothing and writes nothing but complaints from here on, and those into this file. */
+void leaveStandardStreams(const FileDescriptor& complaints);
+
 /** A file without a name, to be written by another process. @throws Failure */
 FileDescriptor makeScratchFile();
 
