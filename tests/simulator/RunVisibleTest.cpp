@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include <unistd.h>
+
 namespace
 {
 
@@ -70,6 +72,8 @@ TEST_P(RunVisible, OnlyWhatThereIs)
 {
     expectFailure(boardTool({"run", "--bind", "nosuch", "b", "true"}),
                   "bsp-board: cannot show 'nosuch': No such file or directory\n", 125);
+    expectFailure(boardTool({"run", "--bind", "", "b", "true"}),
+                  "bsp-board: cannot show '': No such file or directory\n", 125);
 }
 
 TEST_P(RunVisible, TheFoldersOfPrograms)
@@ -102,6 +106,30 @@ TEST_P(RunVisible, TheBoardsOwnFoldersOfPrograms)
     program.directory = "/";
     program.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
     expectOutput(program, "board\n");
+}
+
+TEST_P(RunVisible, NoProgramsThatOthersPutInFrontOfTheHosts)
+{
+    const TemporaryDirectory programs;
+    writeScript(programs.file("greet"), "echo host");
+    fs::permissions(programs.file("greet"), fs::perms::all);
+    const fs::path planted = file("b/tmp") / programs.path().filename();
+    fs::create_directory(planted);
+    writeScript(planted / "greet", "echo planted");
+    constexpr uid_t other = 65534;
+    if (::geteuid() != 0 || ::chown(planted.c_str(), other, other) != 0) {
+        GTEST_SKIP() << "only root can make what other users own";
+    }
+    for (const std::string& command : {std::string("greet"), programs.file("greet")}) {
+        Program program = boardTool({"run", file("b"), "sh", "-c", command});
+        program.directory = "/";
+        program.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
+        expectOutput(program, "host\n");
+        program = boardTool({"run", file("b"), command});
+        program.directory = "/";
+        program.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
+        expectOutput(program, "host\n");
+    }
 }
 
 TEST_P(RunVisible, TheBoardsFilesToAllKindsOfSystemCalls)

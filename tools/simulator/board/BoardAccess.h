@@ -45,6 +45,9 @@ enum class Use
 /** Waits for others that use the board, up to ten seconds; the board is then held until closed. */
 void hold(const Directory& board, Use use);
 
+/** Whether somebody other than this user and root owns something. */
+bool othersOwn(const struct stat& status);
+
 /** Whether users other than this one and root may put something else into a directory's place. */
 bool othersCanReplaceEntries(const struct stat& directory);
 

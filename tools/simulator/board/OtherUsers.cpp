@@ -21,11 +21,6 @@ enum class Sharing
     Forbidden
 };
 
-bool othersOwn(const struct stat& status)
-{
-    return status.st_uid != 0 && status.st_uid != ::geteuid();
-}
-
 bool othersMayWrite(const struct stat& status, Sharing sharing)
 {
     const bool shared = S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0;
@@ -165,6 +160,11 @@ void requireContents(const Directory& board)
 }
 
 } // namespace
+
+bool othersOwn(const struct stat& status)
+{
+    return status.st_uid != 0 && status.st_uid != ::geteuid();
+}
 
 bool othersCanReplaceEntries(const struct stat& directory)
 {

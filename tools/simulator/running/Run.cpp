@@ -25,30 +25,19 @@ int findCommand(Sandbox& sandbox, const std::string& command)
 {
     int error = ENOENT;
     for (const fs::path& candidate : executable::candidates(command)) {
-        // A board's own file comes before the host's of the same path.
-        const int onBoard = executable::whyNot(sandbox.onHost(candidate));
-        const int onHost = onBoard == 0 ? 0 : executable::whyNot(candidate);
+        const bool isOnBoard = executable::whyNot(sandbox.onHost(candidate)) == 0;
+        // Where both have such a file, the board's comes first.
+        if (isOnBoard && Sandbox::isHidden(candidate) && !sandbox.isOthers(candidate)) {
+            return 0;
+        }
+        const int onHost = executable::whyNot(candidate);
         if (onHost == 0) {
-            if (onBoard != 0 || !Sandbox::isHidden(candidate)) {
-                keepVisible(sandbox, candidate);
-            }
+            keepVisible(sandbox, candidate);
+        }
+        if (onHost == 0 || isOnBoard) {
             return 0;
         }
-        error = onHost == ENOENT || onHost == ENOTDIR ? error : onHost;
-    }
-    return error;
-}
-
-/** The same on the host; what is between this program and the command finds it by itself. */
-int findCommand(const std::string& command)
-{
-    int error = ENOENT;
-    for (const fs::path& candidate : executable::candidates(command)) {
-        const int reason = executable::whyNot(candidate);
-        if (reason == 0) {
-            return 0;
-        }
-        error = reason == ENOENT || reason == ENOTDIR ? error : reason;
+        error = executable::worse(error, onHost);
     }
     return error;
 }
@@ -88,7 +77,8 @@ int runIsolated(const Board& board, const std::vector<std::string>& command,
 
 int runAlone(const Board& board, const std::vector<std::string>& command)
 {
-    if (const int error = findCommand(command.front())) {
+    int error = 0;
+    if (!executable::find(command.front(), error)) {
         return reportUnusable(command.front(), error);
     }
     Launch launch;
@@ -108,9 +98,6 @@ int runOnBoard(const Board& place, const std::vector<std::string>& command,
         return options.isolation == Isolation::None ? runAlone(board, command)
                                                     : runIsolated(board, command, options);
     } catch (const fs::filesystem_error& error) {
-        const std::string path = error.path1().string();
-        throw Failure(path.empty() ? "cannot find the working directory"
-                                   : "cannot use '" + path + "'",
-                      error.code().value());
+        throw Failure(error);
     }
 }

@@ -1,6 +1,6 @@
 #include "running/Sandbox.h"
 
-#include "board/Directory.h"
+#include "board/BoardAccess.h"
 #include "report/Failure.h"
 
 #include <algorithm>
@@ -66,8 +66,7 @@ bool hasOwnHardware(const Board& board)
 
 void makeShared(const Board& board, const std::string& entry)
 {
-    // The board itself may be given by a link.
-    const auto directory = Directory::open(fs::canonical(board.directory()));
+    const auto directory = Directory::open(board.directory());
     if (!directory) {
         throw Failure("cannot open '" + board.directory().string() + "'", errno);
     }
@@ -156,12 +155,11 @@ void Sandbox::keepVisible(const fs::path& path)
 
 void Sandbox::show(const fs::path& path)
 {
-    const fs::path place = fs::absolute(path).lexically_normal();
     std::error_code error;
-    if (!fs::exists(place, error)) {
+    if (!fs::exists(path, error)) {
         throw Failure("cannot show '" + path.string() + "'", error ? error.value() : ENOENT);
     }
-    m_shown.push_back(place);
+    m_shown.push_back(fs::absolute(path).lexically_normal());
 }
 
 void Sandbox::keepListed(const char* variable)
@@ -171,8 +169,9 @@ void Sandbox::keepListed(const char* variable)
     for (std::string name; std::getline(directories, name, ':');) {
         std::error_code ignored;
         for (const fs::path& directory : {fs::path(name), fs::canonical(name, ignored)}) {
-            const bool boardHasIt =
-                fs::exists(onHost(directory), ignored) && !fs::is_empty(onHost(directory), ignored);
+            const bool boardHasIt = fs::exists(onHost(directory), ignored) &&
+                                    !fs::is_empty(onHost(directory), ignored) &&
+                                    !isOthers(directory);
             if (isHidden(directory) && !boardHasIt && fs::is_directory(directory, ignored)) {
                 keepVisible(directory);
             }
@@ -189,6 +188,20 @@ fs::path Sandbox::onHost(const fs::path& path) const
         }
     }
     return path;
+}
+
+bool Sandbox::isOthers(const fs::path& path) const
+{
+    for (const Replacement& replacement : m_replacements) {
+        const fs::path relative = below(replacement.place, path);
+        struct stat status
+        {};
+        if (!relative.empty() &&
+            ::lstat((replacement.own / *relative.begin()).c_str(), &status) == 0) {
+            return othersOwn(status);
+        }
+    }
+    return false;
 }
 
 Words Sandbox::wordsForBubblewrap() const

@@ -32,12 +32,18 @@ public:
 
     /**
      * Keeps directories of the host visible that a variable lists, such as PATH, except where the
-     * board has a directory of its own with something in it.
+     * board has a directory of its own, and not of another user's, with something in it.
      */
     void keepListed(const char* variable);
 
     /** Where a path of the board lies on the host, should it be one of the board's own files. */
     std::filesystem::path onHost(const std::filesystem::path& path) const;
+
+    /**
+     * Whether another user has put what a path of the board leads through into one of the board's
+     * own directories. It then gives way to the host's.
+     */
+    bool isOthers(const std::filesystem::path& path) const;
 
     /** Whether the board's own directories hide this path of the host. */
     static bool isHidden(const std::filesystem::path& path);
