@@ -122,6 +122,17 @@ TEST_F(Create, TakesAnyCode)
     EXPECT_EQ(contents("b/eeprom"), std::string("\x00\x11\x22\x33\xFE\xDC\xBA\x98", 8));
 }
 
+TEST_F(Create, TakesNoPlaceThatIsNotCalledByItsName)
+{
+    std::filesystem::create_directory(file("empty"));
+    for (const std::string place : {".", "empty/.", "empty/..", "/"}) {
+        expectRefusal({"create", place},
+                      "bsp-board: cannot create '" + place + "': call the directory by its name\n",
+                      1);
+    }
+    EXPECT_THAT(everything(), ElementsAre("empty"));
+}
+
 TEST_F(Create, RefusesVariantsThatThereAreNot)
 {
     for (const std::string& number :
@@ -178,7 +189,7 @@ TEST_F(Create, OverwritesNothing)
     write("file", "mine");
     fs::create_symlink("full/empty", file("link"));
     const std::vector<std::string> before = everything();
-    for (const std::string name : {"full", "file", "link", ".", "full/empty/."}) {
+    for (const std::string name : {"full", "file", "link"}) {
         expectRefusal({"create", name}, "bsp-board: cannot create '" + name + "': File exists\n",
                       1);
     }

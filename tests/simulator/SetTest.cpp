@@ -1,6 +1,13 @@
 #include "BoardToolTest.h"
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -69,6 +76,33 @@ TEST_F(SetSlot, FailsWhenTheBoardHasNoRoomForIt)
     expectQuiet({"restart", "b", "warm"});
     expectRefusal({"set", "b", "slot", "5"},
                   "bsp-board: the board's warm area does not take a slot id\n", 1);
+}
+
+TEST_F(SetSlot, WaitsForRestartsOnly)
+{
+    const int board = ::open(file("b").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(board, LOCK_SH), 0);
+    expectQuiet({"set", "b", "slot", "5"});
+    ASSERT_EQ(::flock(board, LOCK_EX), 0);
+    const pid_t set = boardTool({"set", "b", "slot", "6"}).start();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(::waitpid(set, nullptr, WNOHANG), 0);
+    ::close(board);
+    EXPECT_EQ(testsupport::waitFor(set), 0);
+}
+
+TEST_F(SetSlot, FailsAsEveryCommandDoes)
+{
+    std::filesystem::create_directory(file("bin"));
+    write("bin/proot", "#!/bin/sh\necho 'proot: no' >&2\nexit 1\n");
+    std::filesystem::permissions(file("bin/proot"), std::filesystem::perms::owner_all);
+    testsupport::Program set = boardTool({"set", "b", "slot", "5"});
+    set.environment["PATH"] = file("bin");
+    const testsupport::Outcome outcome = set.run();
+    EXPECT_EQ(outcome.err, "bsp-board: cannot separate a board from the host, which takes "
+                           "namespaces or ptrace: bubblewrap is not installed; proot is refused "
+                           "here (proot: no)\n");
+    EXPECT_EQ(outcome.status, 1);
 }
 
 TEST_F(Set, StoresSettings)

@@ -53,6 +53,26 @@ TEST_F(Usage, NamesTheOptionThatIsWrong)
                   "bsp-board: --dump takes no value\nTry 'bsp-board show --help'.\n", 2);
 }
 
+TEST_F(Usage, KeepsWordsThatOnlyItUsesToItself)
+{
+    for (const std::string socket : {"x", "-1", "99999999999"}) {
+        expectRefusal({"--command-runner", socket, "true"},
+                      "bsp-board: unknown option '--command-runner'\nTry 'bsp-board --help'.\n", 2);
+    }
+}
+
+TEST_F(Usage, TakesNoOtherWordForAnEmptyValue)
+{
+    expectRefusal({"create", "--code=", "b"},
+                  "bsp-board: '' is no hardware code, which has 16 hexadecimal digits\n"
+                  "Try 'bsp-board create --help'.\n",
+                  2);
+    expectRefusal({"run", "--isolate=", "b", "true"},
+                  "bsp-board: --isolate is bubblewrap, proot or none, not ''\n"
+                  "Try 'bsp-board run --help'.\n",
+                  2);
+}
+
 TEST_F(Usage, TellsItsVersion)
 {
     const Outcome outcome = run({"--version"});
@@ -63,11 +83,15 @@ TEST_F(Usage, TellsItsVersion)
 
 TEST_F(Usage, NamesAWorkingDirectoryThatIsGone)
 {
+    expectQuiet({"create", "b"});
     std::filesystem::create_directory(file("gone"));
-    testsupport::Program program = boardTool({"run", "/", "true"});
+    testsupport::Program program = boardTool({"run", file("b"), "true"});
     program.directory = file("gone");
     program.prepare = [this] { std::filesystem::remove(file("gone")); };
-    EXPECT_THAT(program.run().err, testing::Not(HasSubstr("filesystem")));
+    const Outcome outcome = program.run();
+    EXPECT_EQ(outcome.err,
+              "bsp-board: cannot find the working directory: No such file or directory\n");
+    EXPECT_EQ(outcome.status, 125);
 }
 
 TEST_F(Usage, MakesNoStandardStreamOfABoardsFile)
@@ -136,6 +160,22 @@ TEST_F(Usage, FailsWhenTheAnswerCannotBeWritten)
     const Outcome outcome = program.run();
     EXPECT_EQ(outcome.err, "bsp-board: cannot write to standard output\n");
     EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(Usage, FailsWhenThereIsNowhereToWriteTheAnswer)
+{
+    expectQuiet({"create", "b"});
+    const auto withoutOutput = [this](const Words& words) {
+        testsupport::Program program = boardTool(words);
+        program.prepare = [] { ::close(STDOUT_FILENO); };
+        return program.run();
+    };
+    for (const Words& words : {Words{"variants"}, Words{"show", "b"}, Words{"--version"}}) {
+        const Outcome outcome = withoutOutput(words);
+        EXPECT_EQ(outcome.err, "bsp-board: cannot write to standard output\n");
+        EXPECT_EQ(outcome.status, 1);
+    }
+    EXPECT_EQ(withoutOutput({"restart", "b", "warm"}).status, 0);
 }
 
 } // namespace

@@ -5,9 +5,9 @@
 #include "running/CommandRunner.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <new>
+#include <streambuf>
 #include <utility>
 
 namespace
@@ -18,6 +18,10 @@ enum Status
     Failed = 1,
     WrongUsage = 2
 };
+
+/** Refuses all output. */
+class NoOutput : public std::streambuf
+{};
 
 int report(const std::string& message, int status)
 {
@@ -46,12 +50,24 @@ int parseAndRun(CLI::App& app, std::vector<std::string> arguments)
     }
 }
 
+/** Makes two words of "--option=", whose value would otherwise be the next word. */
+void separateEmptyValues(std::vector<std::string>& arguments)
+{
+    for (std::size_t i = 0; i < arguments.size() && arguments[i] != "--"; ++i) {
+        if (arguments[i].rfind("--", 0) == 0 && arguments[i].back() == '=') {
+            arguments[i].pop_back();
+            arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(++i), "");
+        }
+    }
+}
+
 int runTool(std::vector<std::string> arguments)
 {
     if (isCommandRunner(arguments)) {
         return runCommand(arguments);
     }
     const std::vector<std::string> words = takeCommandWords(arguments);
+    separateEmptyValues(arguments);
     int commandStatus = 0;
     CLI::App app("Boards on the desk: directories that stand for a board.", "bsp-board");
     app.set_version_flag("--version", "bsp-board " BSP_VERSION);
@@ -70,26 +86,32 @@ int runTool(std::vector<std::string> arguments)
     return status != 0 ? status : commandStatus;
 }
 
-std::string textOf(const std::filesystem::filesystem_error& error)
+/** Runs the tool; its exit status. */
+int runAndReport(std::vector<std::string> arguments)
 {
-    const std::string path = error.path1().string();
-    return Failure(path.empty() ? "cannot find the working directory" : "cannot use '" + path + "'",
-                   error.code().value())
-        .what();
+    try {
+        return runTool(std::move(arguments));
+    } catch (const std::filesystem::filesystem_error& error) {
+        return report(Failure(error).what(), Failed);
+    } catch (const std::bad_alloc&) {
+        return report("not enough memory", Failed);
+    } catch (const std::exception& error) {
+        return report(error.what(), Failed);
+    }
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    const bool hasOutput = ::fcntl(STDOUT_FILENO, F_GETFD) != -1;
     tools::openMissingStandardStreams();
-    try {
-        return runTool({argv + std::min(argc, 1), argv + argc});
-    } catch (const std::filesystem::filesystem_error& error) {
-        return report(textOf(error), Failed);
-    } catch (const std::bad_alloc&) {
-        return report("not enough memory", Failed);
-    } catch (const std::exception& error) {
-        return report(error.what(), Failed);
+    NoOutput noOutput;
+    std::streambuf* const former = std::cout.rdbuf();
+    if (!hasOutput) {
+        std::cout.rdbuf(&noOutput);
     }
+    const int status = runAndReport({argv + std::min(argc, 1), argv + argc});
+    std::cout.rdbuf(former);
+    return status;
 }

@@ -94,8 +94,12 @@ BoardDraft::BoardDraft(const fs::path& place)
 Directory BoardDraft::makeDraft()
 {
     const std::string entry = m_place.filename();
+    if (entry.empty() || entry == "." || entry == "..") {
+        // What takes its place would not be where programs are that have it as working directory.
+        throw Failure("cannot create '" + m_place.string() + "': call the directory by its name");
+    }
     const std::optional<struct stat> status = m_parent.status(entry);
-    if (entry == "." || entry == ".." || (status && !S_ISDIR(status->st_mode))) {
+    if (status && !S_ISDIR(status->st_mode)) {
         throw cannotCreate(m_place, EEXIST);
     }
     discardAbandoned(m_parent);

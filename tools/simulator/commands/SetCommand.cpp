@@ -5,6 +5,7 @@
 #include "board/Board.h"
 #include "board/BoardAccess.h"
 #include "report/Failure.h"
+#include "running/CommandRunner.h"
 #include "running/Run.h"
 
 #include <algorithm>
@@ -92,12 +93,12 @@ int parsedSlotId(const std::string& text)
     return slotId;
 }
 
-Directory openBoardToSet(const Options& options)
+Directory openBoardToSet(const Options& options, Use use)
 {
     Directory board = openBoard(options.directory,
                                 options.trustOthers ? OtherUsers::Trusted : OtherUsers::Refused);
     requireBoard(board);
-    hold(board, Use::Exclusive);
+    hold(board, use);
     return board;
 }
 
@@ -106,9 +107,11 @@ int setSlotId(const Options& options)
 {
     constexpr int notSet = -1;
     const int slotId = options.clear ? notSet : parsedSlotId(options.value);
-    const Directory board = openBoardToSet(options);
-    const std::string self = std::filesystem::read_symlink("/proc/self/exe");
-    return runOnBoard(Board::at(board.name()), {self, SetSlotHere, "--", std::to_string(slotId)});
+    // Like any program on the board it may have to wait there; only a restart would disturb it.
+    const Directory board = openBoardToSet(options, Use::Shared);
+    const int status = runOnBoard(Board::at(board.name()),
+                                  {ownProgram(), SetSlotHere, "--", std::to_string(slotId)});
+    return status == EXIT_SUCCESS ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 void changeSetting(const Options& options)
@@ -116,7 +119,7 @@ void changeSetting(const Options& options)
     if (!options.any) {
         requireKnown(options);
     }
-    const Directory board = openBoardToSet(options);
+    const Directory board = openBoardToSet(options, Use::Exclusive);
     // The store is found from here, whatever others put into the board's place meanwhile.
     if (::fchdir(board.fd()) != 0) {
         throw Failure("cannot use '" + board.name().string() + "'", errno);
