@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <map>
 
-#include <unistd.h>
-
 namespace
 {
 
@@ -46,15 +44,6 @@ TEST_F(Variants, AreListed)
     }
     const testsupport::Outcome outcome = run({"variants"});
     EXPECT_EQ(outcome.out, expected);
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
-}
-
-TEST_F(Variants, AreListedForNobodyWhereStandardOutputIsClosed)
-{
-    testsupport::Program program = boardTool({"variants"});
-    program.prepare = [] { ::close(STDOUT_FILENO); };
-    const testsupport::Outcome outcome = program.run();
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }
