@@ -35,9 +35,6 @@ bool canLink = true;
 
 extern "C"
 {
-    // The clock is std::chrono::steady_clock.
-    std::chrono::steady_clock::time_point __real__ZNSt6chrono3_V212steady_clock3nowEv();
-    std::chrono::steady_clock::time_point __wrap__ZNSt6chrono3_V212steady_clock3nowEv();
     int __real_fchown(int fd, uid_t owner, gid_t group);
     int __wrap_fchown(int fd, uid_t owner, gid_t group);
     int __real_linkat(int fromDirectory, const char* from, int toDirectory, const char* to,
@@ -46,10 +43,16 @@ extern "C"
                       int flags);
 }
 
-std::chrono::steady_clock::time_point __wrap__ZNSt6chrono3_V212steady_clock3nowEv()
+// std::chrono::steady_clock::now
+std::chrono::steady_clock::time_point
+realNow() __asm__("__real__ZNSt6chrono3_V212steady_clock3nowEv");
+std::chrono::steady_clock::time_point
+wrappedNow() __asm__("__wrap__ZNSt6chrono3_V212steady_clock3nowEv");
+
+std::chrono::steady_clock::time_point wrappedNow()
 {
     static std::atomic<int> looks{0};
-    return __real__ZNSt6chrono3_V212steady_clock3nowEv() + pace * looks++;
+    return realNow() + pace * looks++;
 }
 
 int __wrap_fchown(int fd, uid_t owner, gid_t group)
