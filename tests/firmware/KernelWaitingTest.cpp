@@ -213,7 +213,7 @@ TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
     const SomebodysFile his;
     EXPECT_EQ(askAgain(), failed());
     EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
-    EXPECT_THAT(time.passed(), Le(milliseconds(100)));
+    EXPECT_THAT(time.passed(), AllOf(Ge(milliseconds(500)), Le(seconds(1))));
     expectItIsStillThere(his);
 }
 
@@ -223,16 +223,19 @@ TEST_F(KernelWaiting, IsForAFileThatIsBeingMade)
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
+    bool isLocked = false;
     time.whileAsleep = [&] {
-        if (time.sleeps() == 1) {
+        // His process has not had its turn before.
+        if (!isLocked && time.passed() >= milliseconds(500)) {
             his.lock();
-        } else if (time.passed() >= seconds(1) && temporaryImageExists()) {
+            isLocked = true;
+        } else if (time.passed() >= seconds(2) && temporaryImageExists()) {
             his.removeAndUnlock();
             hooks().unlink = nullptr;
         }
     };
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(time.passed(), Ge(seconds(1)));
+    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(2)), Le(milliseconds(2050))));
 }
 
 TEST_F(KernelWaiting, IsForTheNextCallToo)

@@ -112,8 +112,24 @@ FileDescriptor make(const char* path)
     return FileDescriptor(-1);
 }
 
+/**
+ * Whether another user's file, which this call has locked, was left behind. If he has just made it
+ * he locks it soon; on a busy board that takes a while.
+ */
+bool isLeftBehind(int fd, const struct stat& file, const char* path, const Patience& patience)
+{
+    for (int looks = 0; looks < 20 && !patience.isOver(); ++looks) {
+        ::flock(fd, LOCK_UN);
+        sleepFor(milliseconds(50));
+        if (!lock(fd) || !isNamed(file, path)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /** Removes the named file, which nobody had locked. Returns false when that is futile. */
-bool removeUnused(int fd, const struct stat& named, const char* path)
+bool removeUnused(int fd, const struct stat& named, const char* path, const Patience& patience)
 {
     struct stat file = {};
     if (::fstat(fd, &file) != 0) {
@@ -126,13 +142,7 @@ bool removeUnused(int fd, const struct stat& named, const char* path)
     if (file.st_uid == ::geteuid() && file.st_nlink == 1 && ::ftruncate(fd, 0) != 0) {
         return false;
     }
-    if (removeName(file, path)) {
-        return true;
-    }
-    // Another user's. If he has just made it, he locks it now; else it was left behind.
-    ::flock(fd, LOCK_UN);
-    sleepFor(milliseconds(100));
-    return !lock(fd) || !isNamed(file, path);
+    return removeName(file, path) || !isLeftBehind(fd, file, path, patience);
 }
 
 /** Waits a little for whoever uses the file, or removes it. Returns false when that is futile. */
@@ -148,7 +158,7 @@ bool makeWay(const char* path, const Patience& patience)
     const int access = named.st_uid == ::geteuid() ? O_RDWR : O_RDONLY;
     const FileDescriptor file(::open(path, access | CommonFlags));
     if (file.isOpen() && lock(file.get())) {
-        return removeUnused(file.get(), named, path);
+        return removeUnused(file.get(), named, path, patience);
     }
     if (errno != EWOULDBLOCK) {
         return errno == ENOENT;
