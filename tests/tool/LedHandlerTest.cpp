@@ -1,7 +1,7 @@
 // The handler of "led setState" with an LED module that answers as the test case says.
 
+#include "Command.h"
 #include "Led.h"
-#include "LedCommands.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ int runSetState()
     std::string led = "some LED";
     std::string state = "some state";
     char* arguments[] = {led.data(), state.data(), nullptr};
-    return setStateCommand.handler(2, arguments);
+    return ledCommands.front().handler(2, arguments);
 }
 
 TEST(LedHandler, PassesTheNumbersOn)
@@ -69,7 +69,7 @@ TEST(LedHandler, EndsTheListingAtANullName)
     const ErrorText error;
     lastLedName = nullptr;
     char* arguments[] = {nullptr};
-    EXPECT_EQ(setStateCommand.handler(0, arguments), 1);
+    EXPECT_EQ(ledCommands.front().handler(0, arguments), 1);
     EXPECT_TRUE(std::cerr.bad());
     EXPECT_EQ(error.text(), "Error: valid arguments are <LEDname> <state>\n"
                             "Available LEDs are:\n"

@@ -1,4 +1,4 @@
-#include "BspCommands.h"
+#include "Command.h"
 
 #include "Bsp.h"
 
@@ -101,35 +101,68 @@ std::int32_t getTrafFpgaType(std::int32_t /*argc*/, char* /*argv*/[])
     return print(nameOf(os::bsp::trafFpgaTypeNames, Bsp_getTrafFpgaType()));
 }
 
+std::int32_t getSlotId(std::int32_t /*argc*/, char* /*argv*/[])
+{
+    std::cout << Bsp_getSlotId() << std::endl;
+    return 0;
+}
+
+constexpr const char* ImageExpected = "Error: valid argument is <image>";
+constexpr const char* UnknownRState = "Unknown r-state";
+
+std::int32_t getKernelRState(std::int32_t argc, char* argv[])
+{
+    // Stays empty when the kernel's version has no R-state.
+    char rstate[8] = {};
+    if (argc != 1) {
+        return fail(ImageExpected);
+    }
+    if (Bsp_getKernelRState(argv[0], rstate, sizeof rstate) != 0) {
+        return fail(UnknownRState);
+    }
+    return print(rstate);
+}
+
+std::int32_t getUbootProductInfo(std::int32_t argc, char* argv[])
+{
+    static char productNumber[80];
+    static char rstate[80];
+    if (argc != 1) {
+        return fail(ImageExpected);
+    }
+    if (Bsp_getUbootProductInfo(argv[0], productNumber, sizeof productNumber, rstate,
+                                sizeof rstate) != 0)
+    {
+        return fail(UnknownRState);
+    }
+    std::cout << productNumber << ' ' << rstate << std::endl;
+    return 0;
+}
+
 } // namespace
 
-constexpr Command getHwRevisionCommand{getHwRevision, "getHwRevision", "Read hardware revision."};
-constexpr Command getFpgaPathCommand{
-    getFpgaPath, "getFpgaPath",
-    "bsp getFpgaPath <name>. For a specific fpga return an fpga sub path."};
-constexpr Command getBoardIdCommand{
-    getBoardId, "getBoardId", "Get board ID (in text format: KT4752_REV_B, VX4791_REV_A etc.)."};
-constexpr Command getProductIdCommand{getProductId, "getProductId",
-                                      "Get product ID (in text format: KT4752, VX4791 etc.)."};
-constexpr Command getControlBackplaneCommand{
-    getControlBackplane, "getControlBackplane",
-    "Get backplane variant (in text format: Pci, Pcie, Ethernet, None)."};
-constexpr Command getDspTypeCommand{getDspType, "getDspType",
-                                    "Get DSP variant (in text format: BCM85110, BCM85655 etc.)."};
-constexpr Command getRadiolinkModeCommand{getRadiolinkMode, "getRadiolinkMode",
-                                          "Get radio-link mode (in text format: Rl4 or Rl5)."};
-constexpr Command setRadiolinkModeCommand{setRadiolinkMode, "setRadiolinkMode",
-                                          "Set radio-link mode (in text format: Rl4 or Rl5)."};
-constexpr Command clearRadiolinkModeCommand{
-    clearRadiolinkMode, "clearRadiolinkMode",
-    "Clear specific radio-link mode (meaning returning to default mode)."};
-constexpr Command getTrafClientModeCommand{getTrafClientMode, "getTrafClientMode",
-                                           "Get TrafClientMode (in text format: Rlps or Lads). "
-                                           "DEPRECATED: Returns value based on RadiolinkMode"};
-constexpr Command setTrafClientModeCommand{doNothing, "setTrafClientMode",
-                                           "DEPRECATED: Does nothing"};
-constexpr Command clearTrafClientModeCommand{doNothing, "clearTrafClientMode",
-                                             "DEPRECATED: Does nothing"};
-constexpr Command getTrafFpgaTypeCommand{
-    getTrafFpgaType, "getTrafFpgaType",
-    "Get FPGA variant (in text format: Bittern, Jackdaw, Osprey etc.)."};
+const std::vector<Command> bspCommands{
+    {getHwRevision, "getHwRevision", "Read hardware revision."},
+    {getFpgaPath, "getFpgaPath",
+     "bsp getFpgaPath <name>. For a specific fpga return an fpga sub path."},
+    {getBoardId, "getBoardId", "Get board ID (in text format: KT4752_REV_B, VX4791_REV_A etc.)."},
+    {getProductId, "getProductId", "Get product ID (in text format: KT4752, VX4791 etc.)."},
+    {getControlBackplane, "getControlBackplane",
+     "Get backplane variant (in text format: Pci, Pcie, Ethernet, None)."},
+    {getSlotId, "getSlotId",
+     "Get the slot position in the rack. -1 indicates not yet set, 0 indicates not applicable"},
+    {getDspType, "getDspType", "Get DSP variant (in text format: BCM85110, BCM85655 etc.)."},
+    {getRadiolinkMode, "getRadiolinkMode", "Get radio-link mode (in text format: Rl4 or Rl5)."},
+    {setRadiolinkMode, "setRadiolinkMode", "Set radio-link mode (in text format: Rl4 or Rl5)."},
+    {clearRadiolinkMode, "clearRadiolinkMode",
+     "Clear specific radio-link mode (meaning returning to default mode)."},
+    {getTrafClientMode, "getTrafClientMode",
+     "Get TrafClientMode (in text format: Rlps or Lads). "
+     "DEPRECATED: Returns value based on RadiolinkMode"},
+    {doNothing, "setTrafClientMode", "DEPRECATED: Does nothing"},
+    {doNothing, "clearTrafClientMode", "DEPRECATED: Does nothing"},
+    {getTrafFpgaType, "getTrafFpgaType",
+     "Get FPGA variant (in text format: Bittern, Jackdaw, Osprey etc.)."},
+    {getKernelRState, "getKernelRState", "Get kernel R-State (in text format: R1A01 etc.)."},
+    {getUbootProductInfo, "getUbootProductInfo", "Get U-boot product number and r-state."},
+};

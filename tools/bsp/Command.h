@@ -20,6 +20,11 @@ struct CommandGroup
     const std::vector<Command>* commands;
 };
 
+/** The functions of each group, in listing order; each table stands beside its handlers. */
+extern const std::vector<Command> bspCommands;
+extern const std::vector<Command> ledCommands;
+extern const std::vector<Command> rstateCommands;
+
 /** All groups. */
 extern const std::vector<CommandGroup> commandGroups;
 

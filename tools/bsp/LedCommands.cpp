@@ -1,4 +1,4 @@
-#include "LedCommands.h"
+#include "Command.h"
 
 #include "Led.h"
 
@@ -48,4 +48,6 @@ std::int32_t setState(std::int32_t argc, char* argv[])
 
 } // namespace
 
-const Command setStateCommand{&setState, "setState", "Syntax: setState <ledname> <state>"};
+const std::vector<Command> ledCommands{
+    {setState, "setState", "Syntax: setState <ledname> <state>"},
+};

@@ -1,4 +1,4 @@
-#include "RStateCommands.h"
+#include "Command.h"
 
 #include "BspNames.h"
 #include "RState.h"
@@ -48,4 +48,6 @@ std::int32_t increment(std::int32_t argc, char* argv[])
 
 } // namespace
 
-const Command incrementCommand{&increment, "increment", "Increment R-state."};
+const std::vector<Command> rstateCommands{
+    {increment, "increment", "Increment R-state."},
+};

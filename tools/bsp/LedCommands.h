@@ -1,8 +1,0 @@
-#ifndef TOOLS_BSP_LEDCOMMANDS_H
-#define TOOLS_BSP_LEDCOMMANDS_H
-
-#include "Command.h"
-
-extern const Command setStateCommand;
-
-#endif
