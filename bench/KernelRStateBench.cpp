@@ -18,7 +18,6 @@
 #include "Files.h"
 #include "FirmwareImages.h"
 #include "TemporaryDirectory.h"
-#include "firmware/FileDescriptor.h"
 #include "firmware/ImageFile.h"
 #include "firmware/KernelImage.h"
 #include "firmware/TemporaryFile.h"

@@ -112,9 +112,7 @@ int e2prom_data_read(int device, int area, uint8_t* buffer)
     return eeprom.result;
 }
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 const std::vector<NxuHwVariant> hwVariants FAKEBOARD_EARLY = fakeboard::startTable();
@@ -188,5 +186,4 @@ bool NxuConfig::clear(const std::string& key)
     return !fakeboard::store().refuses;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

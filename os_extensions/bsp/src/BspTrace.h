@@ -3,15 +3,12 @@
 
 #include "HvxTrace.h"
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 /** The one trace channel of all board functions. */
 extern HvxTrace bspTrace;
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 #endif

@@ -4,15 +4,13 @@
  *
  * They are constant: also while static objects are made, in whatever order, they are there.
  */
-#ifndef BSP_SRC_BSPCONSTANTNAMES_H
-#define BSP_SRC_BSPCONSTANTNAMES_H
+#ifndef BSP_SRC_CONSTANTNAMES_H
+#define BSP_SRC_CONSTANTNAMES_H
 
 #include <cstddef>
 #include <cstdint>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 /** As NameEntry, but for the text. */
@@ -33,8 +31,7 @@ constexpr const char* nameOf(const ConstantName (&table)[Size], int value)
     return table[row].text;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 // A macro, because the text is the enumerator's name.
 

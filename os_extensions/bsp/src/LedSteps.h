@@ -2,8 +2,8 @@
  * @file
  * @brief The steps of Led_setState. An LED's name comes with its number, which is for messages.
  */
-#ifndef BSP_LEDSTEPS_H
-#define BSP_LEDSTEPS_H
+#ifndef BSP_SRC_LEDSTEPS_H
+#define BSP_SRC_LEDSTEPS_H
 
 #include <array>
 

@@ -15,9 +15,7 @@
 
 #define BSP_MADE_FIRST __attribute__((init_priority(1000)))
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -34,5 +32,4 @@ BSP_ENUMERATIONS(BSP_NAME_TABLE)
 
 HvxTrace bspTrace("bsp.core", 3);
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -4,8 +4,8 @@
  *
  * A board is a directory; docs/platform.md describes its entries.
  */
-#ifndef PLATFORM_LINUX_BOARD_BOARDDIRECTORY_H
-#define PLATFORM_LINUX_BOARD_BOARDDIRECTORY_H
+#ifndef PLATFORM_LINUX_BOARD_DIRECTORY_BOARDDIRECTORY_H
+#define PLATFORM_LINUX_BOARD_DIRECTORY_BOARDDIRECTORY_H
 
 #include <string>
 

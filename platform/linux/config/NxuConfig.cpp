@@ -10,9 +10,7 @@ GT_TraceRecord configTrace{TraceRecordStartLevel, "bsp.config"};
 
 } // namespace nxuconfig
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 using nxuconfig::ConfigStore;
@@ -54,5 +52,4 @@ bool NxuConfig::clear(const std::string& key)
     return succeeds(__func__, key, [&] { ConfigStore::instance().clear(key); });
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -2,9 +2,7 @@
 
 // Programs ask for settings while their static objects are made, so these are made before.
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace key
@@ -30,5 +28,4 @@ namespace radiolinkMode
 } // namespace radiolinkMode
 } // namespace value
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

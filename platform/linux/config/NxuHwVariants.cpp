@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -58,5 +56,4 @@ bool operator==(const NxuHwVariant& variant, const NxuHwCode& code)
                       std::begin(code.word));
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_BOARD_H
-#define TOOLS_BOARD_BOARD_H
+#ifndef TOOLS_SIMULATOR_BOARD_BOARD_H
+#define TOOLS_SIMULATOR_BOARD_BOARD_H
 
 #include <cstddef>
 #include <filesystem>

@@ -3,8 +3,8 @@
  * @brief How commands come to a board: by one open directory, and with regard to other users. All
  *        functions throw Failure.
  */
-#ifndef TOOLS_BOARD_BOARDACCESS_H
-#define TOOLS_BOARD_BOARDACCESS_H
+#ifndef TOOLS_SIMULATOR_BOARD_BOARDACCESS_H
+#define TOOLS_SIMULATOR_BOARD_BOARDACCESS_H
 
 #include "board/Directory.h"
 

@@ -2,8 +2,8 @@
  * @file
  * @brief Brings boards into the state that they have after a restart. All functions throw Failure.
  */
-#ifndef TOOLS_BOARD_BOARDSTATE_H
-#define TOOLS_BOARD_BOARDSTATE_H
+#ifndef TOOLS_SIMULATOR_BOARD_BOARDSTATE_H
+#define TOOLS_SIMULATOR_BOARD_BOARDSTATE_H
 
 #include "BspEnumerations.h"
 #include "board/Directory.h"

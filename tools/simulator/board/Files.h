@@ -2,8 +2,8 @@
  * @file
  * @brief Reads and writes the files of a board. All functions throw Failure.
  */
-#ifndef TOOLS_BOARD_FILES_H
-#define TOOLS_BOARD_FILES_H
+#ifndef TOOLS_SIMULATOR_BOARD_FILES_H
+#define TOOLS_SIMULATOR_BOARD_FILES_H
 
 #include "FileDescriptor.h"
 

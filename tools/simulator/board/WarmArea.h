@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_WARMAREA_H
-#define TOOLS_BOARD_WARMAREA_H
+#ifndef TOOLS_SIMULATOR_BOARD_WARMAREA_H
+#define TOOLS_SIMULATOR_BOARD_WARMAREA_H
 
 #include <cstdint>
 #include <optional>

@@ -3,8 +3,8 @@
  * @brief The sub-commands. Each adds itself to the program and, when chosen, runs while the command
  *        line is parsed. They throw Failure and UsageError.
  */
-#ifndef TOOLS_BOARD_COMMANDS_H
-#define TOOLS_BOARD_COMMANDS_H
+#ifndef TOOLS_SIMULATOR_COMMANDS_COMMANDS_H
+#define TOOLS_SIMULATOR_COMMANDS_COMMANDS_H
 
 #include <CLI/CLI.hpp>
 

@@ -1,8 +1,8 @@
 #include "commands/Commands.h"
 
+#include "Products.h"
 #include "board/BoardState.h"
 #include "board/HardwareCode.h"
-#include "identity/Product.h"
 #include "report/Failure.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "commands/Commands.h"
 
+#include "Products.h"
 #include "board/HardwareCode.h"
-#include "identity/Product.h"
 
 #include <iomanip>
 #include <iostream>

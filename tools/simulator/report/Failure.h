@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_FAILURE_H
-#define TOOLS_BOARD_FAILURE_H
+#ifndef TOOLS_SIMULATOR_REPORT_FAILURE_H
+#define TOOLS_SIMULATOR_REPORT_FAILURE_H
 
 #include <cerrno>
 #include <filesystem>

@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_TEXT_H
-#define TOOLS_BOARD_TEXT_H
+#ifndef TOOLS_SIMULATOR_REPORT_TEXT_H
+#define TOOLS_SIMULATOR_REPORT_TEXT_H
 
 #include <string>
 #include <string_view>

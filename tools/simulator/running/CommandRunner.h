@@ -3,8 +3,8 @@
  * @brief Runs the command where nothing else tells how it ended: this program, started once more,
  *        between proot and the command.
  */
-#ifndef TOOLS_BOARD_COMMANDRUNNER_H
-#define TOOLS_BOARD_COMMANDRUNNER_H
+#ifndef TOOLS_SIMULATOR_RUNNING_COMMANDRUNNER_H
+#define TOOLS_SIMULATOR_RUNNING_COMMANDRUNNER_H
 
 #include "FileDescriptor.h"
 

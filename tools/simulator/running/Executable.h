@@ -2,8 +2,8 @@
  * @file
  * @brief Finds programs as a shell does.
  */
-#ifndef TOOLS_BOARD_EXECUTABLE_H
-#define TOOLS_BOARD_EXECUTABLE_H
+#ifndef TOOLS_SIMULATOR_RUNNING_EXECUTABLE_H
+#define TOOLS_SIMULATOR_RUNNING_EXECUTABLE_H
 
 #include <filesystem>
 #include <optional>

@@ -2,8 +2,8 @@
  * @file
  * @brief The exit statuses of commands that run on boards, as shells and env(1) have them.
  */
-#ifndef TOOLS_BOARD_EXITSTATUS_H
-#define TOOLS_BOARD_EXITSTATUS_H
+#ifndef TOOLS_SIMULATOR_RUNNING_EXITSTATUS_H
+#define TOOLS_SIMULATOR_RUNNING_EXITSTATUS_H
 
 #include <sys/wait.h>
 

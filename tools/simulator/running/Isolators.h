@@ -2,8 +2,8 @@
  * @file
  * @brief The programs that separate a board from the host.
  */
-#ifndef TOOLS_BOARD_ISOLATORS_H
-#define TOOLS_BOARD_ISOLATORS_H
+#ifndef TOOLS_SIMULATOR_RUNNING_ISOLATORS_H
+#define TOOLS_SIMULATOR_RUNNING_ISOLATORS_H
 
 #include "running/Run.h"
 #include "running/Sandbox.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_KEEPER_H
-#define TOOLS_BOARD_KEEPER_H
+#ifndef TOOLS_SIMULATOR_RUNNING_KEEPER_H
+#define TOOLS_SIMULATOR_RUNNING_KEEPER_H
 
 #include "FileDescriptor.h"
 #include "running/Signals.h"

@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_OLDSYSTEMCALLS_H
-#define TOOLS_BOARD_OLDSYSTEMCALLS_H
+#ifndef TOOLS_SIMULATOR_RUNNING_OLDSYSTEMCALLS_H
+#define TOOLS_SIMULATOR_RUNNING_OLDSYSTEMCALLS_H
 
 /**
  * Hides the system calls from this process and all that it starts which proot does not know: it

@@ -2,8 +2,8 @@
  * @file
  * @brief Runs commands on boards.
  */
-#ifndef TOOLS_BOARD_RUN_H
-#define TOOLS_BOARD_RUN_H
+#ifndef TOOLS_SIMULATOR_RUNNING_RUN_H
+#define TOOLS_SIMULATOR_RUNNING_RUN_H
 
 #include "board/Board.h"
 

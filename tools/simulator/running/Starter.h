@@ -2,8 +2,8 @@
  * @file
  * @brief Starts what runs a command, and what tells of the command.
  */
-#ifndef TOOLS_BOARD_STARTER_H
-#define TOOLS_BOARD_STARTER_H
+#ifndef TOOLS_SIMULATOR_RUNNING_STARTER_H
+#define TOOLS_SIMULATOR_RUNNING_STARTER_H
 
 #include "FileDescriptor.h"
 #include "running/Signals.h"

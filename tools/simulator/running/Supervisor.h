@@ -1,5 +1,5 @@
-#ifndef TOOLS_BOARD_SUPERVISOR_H
-#define TOOLS_BOARD_SUPERVISOR_H
+#ifndef TOOLS_SIMULATOR_RUNNING_SUPERVISOR_H
+#define TOOLS_SIMULATOR_RUNNING_SUPERVISOR_H
 
 #include <filesystem>
 #include <string>

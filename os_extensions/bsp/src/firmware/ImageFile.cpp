@@ -7,9 +7,7 @@
 
 #include <unistd.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 ssize_t Bsp_readHelper(int fd, void* buffer, std::size_t size)
@@ -34,5 +32,4 @@ ssize_t Bsp_readHelper(int fd, void* buffer, std::size_t size)
     }
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -9,9 +9,7 @@
 
 #include <zlib.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -112,5 +110,4 @@ int Bsp_inflateArchive(int fd, std::FILE* file)
     return 0;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -4,16 +4,14 @@
  *
  * Each traces under its own name.
  */
-#ifndef BSP_SRC_BSPKERNELIMAGE_H
-#define BSP_SRC_BSPKERNELIMAGE_H
+#ifndef BSP_SRC_FIRMWARE_KERNELIMAGE_H
+#define BSP_SRC_FIRMWARE_KERNELIMAGE_H
 
 #include <cstdio>
 
 #include <sys/types.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 /** Room that an R-state needs, its NUL included. */
@@ -37,7 +35,6 @@ int Bsp_inflateArchive(int fd, std::FILE* file);
  */
 int Bsp_findLinuxVersion(std::FILE* file, char* rstate);
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 #endif

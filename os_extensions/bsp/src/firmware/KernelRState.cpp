@@ -1,10 +1,8 @@
 #include "Bsp.h"
 #include "BspTrace.h"
 #include "HvxMessage.h"
-#include "firmware/FileDescriptor.h"
 #include "firmware/ImageFile.h"
 #include "firmware/KernelImage.h"
-#include "firmware/Printable.h"
 #include "firmware/TemporaryFile.h"
 
 #include <memory>

@@ -13,9 +13,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -167,5 +165,4 @@ int Bsp_findLinuxVersion(std::FILE* file, char* rstate)
     return 0;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -1,6 +1,6 @@
 #include "firmware/TemporaryFile.h"
 
-#include "firmware/FileDescriptor.h"
+#include "firmware/ImageFile.h"
 
 #include <cerrno>
 #include <chrono>
@@ -11,9 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -219,5 +217,4 @@ TemporaryFile::~TemporaryFile()
     }
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

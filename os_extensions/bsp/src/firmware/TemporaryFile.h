@@ -1,11 +1,9 @@
-#ifndef BSP_SRC_BSPTEMPORARYFILE_H
-#define BSP_SRC_BSPTEMPORARYFILE_H
+#ifndef BSP_SRC_FIRMWARE_TEMPORARYFILE_H
+#define BSP_SRC_FIRMWARE_TEMPORARYFILE_H
 
 #include <cstdio>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 /**
@@ -37,7 +35,6 @@ private:
     std::FILE* const m_stream;
 };
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 #endif

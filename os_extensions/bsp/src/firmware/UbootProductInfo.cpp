@@ -2,9 +2,7 @@
 #include "BspTrace.h"
 #include "ErrnoText.h"
 #include "HvxMessage.h"
-#include "firmware/FileDescriptor.h"
 #include "firmware/ImageFile.h"
-#include "firmware/Printable.h"
 
 #include <cerrno>
 #include <cstdint>

@@ -39,9 +39,7 @@ const BoardIdEntry Bsp_boardIdMap[Bsp_NoOfBoardIds] = {
     {boardId(ProductId::RG4792, 6), "RG4792_R2_P3"},
 };
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 int getBoardId()
@@ -76,5 +74,4 @@ const char* getLatestBoardIdText()
     return text;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

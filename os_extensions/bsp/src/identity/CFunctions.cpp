@@ -1,6 +1,6 @@
 #include "Bsp.h"
 
-#include "identity/BoardIdentity.h"
+#include "identity/HardwareCode.h"
 
 int Bsp_getBoardId(void)
 {

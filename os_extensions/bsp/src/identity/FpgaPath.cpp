@@ -2,9 +2,7 @@
 
 #include <cstring>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -43,5 +41,4 @@ const char* getFpgaPath(const char* name)
     return nullptr;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

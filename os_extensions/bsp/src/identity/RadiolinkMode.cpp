@@ -7,9 +7,7 @@
 
 #include <mutex>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -52,5 +50,4 @@ bool clearRadiolinkMode()
     return config.clear(key::RadiolinkMode);
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

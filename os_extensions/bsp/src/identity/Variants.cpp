@@ -3,13 +3,11 @@
 #include "BspTrace.h"
 #include "HvxMessage.h"
 #include "NxuConfig.h"
-#include "identity/BoardIdentity.h"
+#include "identity/HardwareCode.h"
 
 #include <cstddef>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -206,5 +204,4 @@ SwitchType getSwitchType()
     return SwitchType::None;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

@@ -1,5 +1,5 @@
-#ifndef BSP_RSTATELETTERS_H
-#define BSP_RSTATELETTERS_H
+#ifndef BSP_SRC_RSTATE_LETTERS_H
+#define BSP_SRC_RSTATE_LETTERS_H
 
 #include <cstdint>
 

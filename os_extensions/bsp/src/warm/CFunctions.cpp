@@ -4,9 +4,7 @@
 
 #include <type_traits>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -26,8 +24,7 @@ WarmSlot& slotInstance()
     return slot();
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 int Bsp_getSlotId()
 {
@@ -37,6 +34,46 @@ int Bsp_getSlotId()
 void Bsp_setSlotId(int id)
 {
     os::bsp::slot().set(id);
+}
+
+int WarmDatabase_createObject(const char* name, void** object, unsigned int objectSize)
+{
+    if (name == nullptr) {
+        *object = nullptr;
+        return -1;
+    }
+    return os::bsp::dtcm::WarmDatabase::getInstance().createObject(name, object, objectSize, true)
+               ? 0
+               : -1;
+}
+
+int WarmDatabase_retrieveObject(const char* name, void** object, unsigned int objectSize)
+{
+    if (name == nullptr) {
+        *object = nullptr;
+        return -1;
+    }
+    return os::bsp::dtcm::WarmDatabase::getInstance().retrieveObject(name, object, objectSize, true)
+               ? 0
+               : -1;
+}
+
+int WarmDatabase_getObjectData(const char* name, void** object, unsigned int objectSize,
+                               void** sync, bool* created)
+{
+    if (name == nullptr) {
+        *object = nullptr;
+        *created = false;
+        return -1;
+    }
+    std::mutex* mutex = nullptr;
+    if (!os::bsp::dtcm::WarmDatabase::getInstance().getObjectData(name, object, objectSize, &mutex,
+                                                                  *created))
+    {
+        return -1;
+    }
+    *sync = mutex;
+    return 0;
 }
 
 int Bsp_createDtcmObject(const char* name, void** object, unsigned int objectSize)

@@ -6,9 +6,7 @@
 #include "Bsp.h"
 #include "DDevIo.h"
 #include "ErrnoText.h"
-#include "warm/Layout.h"
 #include "warm/Table.h"
-#include "warm/Trace.h"
 
 #include <cassert>
 #include <cerrno>
@@ -22,11 +20,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace os
-{
-namespace bsp
-{
-namespace dtcm
+namespace os::bsp::dtcm
 {
 
 HvxTrace warmDatabaseTrace("Bsp.WarmDatabase", trace::Notice);
@@ -228,6 +222,4 @@ void WarmDatabase::logNamesOfUsedBlocks() const
     }
 }
 
-} // namespace dtcm
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp::dtcm

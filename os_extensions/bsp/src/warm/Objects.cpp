@@ -1,16 +1,10 @@
 #include "WarmDatabase.h"
 
-#include "warm/Layout.h"
 #include "warm/Table.h"
-#include "warm/Trace.h"
 
 #include <cerrno>
 
-namespace os
-{
-namespace bsp
-{
-namespace dtcm
+namespace os::bsp::dtcm
 {
 
 namespace
@@ -199,6 +193,4 @@ std::mutex* WarmDatabase::getObjectSyncPointer(const std::string& name)
     return syncSlot(m_blockSync, scan.index);
 }
 
-} // namespace dtcm
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp::dtcm

@@ -7,9 +7,7 @@
 
 #include <unistd.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -65,5 +63,4 @@ std::string resetTypeToString(const ResetType& type)
     return nameOf(resetTypes, static_cast<int>(type));
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

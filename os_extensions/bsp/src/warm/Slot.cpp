@@ -10,9 +10,7 @@
 
 #include <pthread.h>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -113,5 +111,4 @@ void WarmSlot::set(const int& slotId)
     m_slotData->slotId = slotId;
 }
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp

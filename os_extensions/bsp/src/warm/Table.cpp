@@ -2,11 +2,7 @@
 
 #include <cstring>
 
-namespace os
-{
-namespace bsp
-{
-namespace dtcm
+namespace os::bsp::dtcm
 {
 
 // Names are listed without the semaphore while others write them: byte by byte, each one whole.
@@ -32,6 +28,4 @@ void BlockTable::reset(unsigned int index, const std::string& name) const
     std::memset(m_blocks[index].data, 0, sizeof(m_blocks[index].data));
 }
 
-} // namespace dtcm
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp::dtcm

@@ -1,20 +1,56 @@
-#ifndef BSP_WARMDATABASETABLE_H
-#define BSP_WARMDATABASETABLE_H
+#ifndef BSP_SRC_WARM_TABLE_H
+#define BSP_SRC_WARM_TABLE_H
 
-#include "warm/Layout.h"
+#include "HvxMessage.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <string_view>
 
-namespace os
+#include <pthread.h>
+
+namespace os::bsp::dtcm
 {
-namespace bsp
+
+/** Channel "Bsp.WarmDatabase". */
+extern HvxTrace warmDatabaseTrace;
+
+constexpr unsigned int NumberOfBlocks = 32;
+constexpr std::size_t MaxNameLength = 15;
+constexpr std::size_t MaxObjectSize = 1008;
+
+constexpr std::size_t NameSize = MaxNameLength + 1;
+
+/** A block of the warm area. It is free while the first byte of its name is 0. */
+struct Block
 {
-namespace dtcm
-{
+    unsigned char name[NameSize]; /**< NUL-terminated, unless the area was never cleared. */
+    unsigned char data[MaxObjectSize];
+};
+
+static_assert(sizeof(Block::name) == 16, "16 bytes of name");
+static_assert(offsetof(Block, data) == 16 && sizeof(Block::data) == 1008, "1008 bytes of data");
+static_assert(sizeof(Block) == 1024, "blocks follow each other without a gap");
+
+constexpr std::size_t AreaSize = NumberOfBlocks * sizeof(Block);
+static_assert(AreaSize == 32768, "the warm area fills the DTCM");
+
+/** The block-synchronisation area holds one mutex for each block. */
+constexpr std::size_t SyncSlotSize = sizeof(pthread_mutex_t);
+constexpr std::size_t SyncAreaSize = NumberOfBlocks * SyncSlotSize;
+
+#if defined(__arm__)
+static_assert(SyncSlotSize == 24 && SyncAreaSize == 768, "as all programs of the board have it");
+#endif
+
+// Callers lock the process-shared mutexes through the interface of std::mutex.
+static_assert(sizeof(std::mutex) == sizeof(pthread_mutex_t) &&
+                  alignof(std::mutex) == alignof(pthread_mutex_t),
+              "a std::mutex is a pthread_mutex_t and nothing else");
 
 /** Where a scan of the table ended. */
 struct ScanResult
@@ -129,8 +165,6 @@ private:
     unsigned int m_size;
 };
 
-} // namespace dtcm
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp::dtcm
 
 #endif

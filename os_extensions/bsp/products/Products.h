@@ -1,16 +1,13 @@
-#include "Bsp.h"
+/**
+ * @file
+ * @brief The products by their codes, for the layer and for the simulator.
+ */
+#ifndef BSP_PRODUCTS_PRODUCTS_H
+#define BSP_PRODUCTS_PRODUCTS_H
 
-#include "BspTrace.h"
-#include "HvxMessage.h"
-#include "identity/BoardIdentity.h"
-#include "identity/Product.h"
+#include "BspEnumerations.h"
 
-namespace os
-{
-namespace bsp
-{
-
-namespace
+namespace os::bsp
 {
 
 struct Product
@@ -20,7 +17,7 @@ struct Product
 };
 
 /** The configuration library's product codes. It has no number 8, and none for older products. */
-constexpr Product products[] = {
+inline constexpr Product products[] = {
     {1, ProductId::NXU4A},     {2, ProductId::NXU2001},  {3, ProductId::NXU2002},
     {4, ProductId::KT4851_1},  {5, ProductId::KT4851_2}, {6, ProductId::KT4766},
     {7, ProductId::DWB2001},   {9, ProductId::KT4851_3}, {10, ProductId::DWB2002},
@@ -28,9 +25,8 @@ constexpr Product products[] = {
     {14, ProductId::DWB2003},
 };
 
-} // namespace
-
-ProductId productOf(int productCode)
+/** The product with a product code of the configuration library; EndOfList when there is none. */
+constexpr ProductId productOf(int productCode)
 {
     for (const Product& product : products) {
         if (product.code == productCode) {
@@ -40,20 +36,6 @@ ProductId productOf(int productCode)
     return ProductId::EndOfList;
 }
 
-ProductId getProductId()
-{
-    const int code = selectedVariant().productCode;
-    const ProductId product = productOf(code);
-    if (product == ProductId::EndOfList) {
-        TRACE_MESSAGE(bspTrace, trace::Error, "Unknown product ID: " << code);
-    }
-    return product;
-}
+} // namespace os::bsp
 
-int getHwRevision()
-{
-    return selectedVariant().hwRevision;
-}
-
-} // namespace bsp
-} // namespace os
+#endif

@@ -1,11 +1,9 @@
-#ifndef BSP_SRC_BSPHWCODE_H
-#define BSP_SRC_BSPHWCODE_H
+#ifndef BSP_SRC_IDENTITY_HARDWARECODE_H
+#define BSP_SRC_IDENTITY_HARDWARECODE_H
 
 #include "NxuHwVariant.h"
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 /** The hardware code, read from the EEPROM at the first call of the process and never again. */
@@ -14,7 +12,6 @@ const NxuHwCode& hwCode();
 /** The variant that the hardware code selects, searched for at the first call of the process. */
 const NxuHwVariant& selectedVariant();
 
-} // namespace bsp
-} // namespace os
+} // namespace os::bsp
 
 #endif

@@ -1,17 +1,17 @@
-#include "identity/BoardIdentity.h"
+#include "identity/HardwareCode.h"
 
 #include "BaseBoard.h"
+#include "Bsp.h"
 #include "BspTrace.h"
 #include "HvxMessage.h"
+#include "Products.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <mutex>
 
-namespace os
-{
-namespace bsp
+namespace os::bsp
 {
 
 namespace
@@ -62,5 +62,19 @@ const NxuHwVariant& selectedVariant()
     return *variant;
 }
 
-} // namespace bsp
-} // namespace os
+ProductId getProductId()
+{
+    const int code = selectedVariant().productCode;
+    const ProductId product = productOf(code);
+    if (product == ProductId::EndOfList) {
+        TRACE_MESSAGE(bspTrace, trace::Error, "Unknown product ID: " << code);
+    }
+    return product;
+}
+
+int getHwRevision()
+{
+    return selectedVariant().hwRevision;
+}
+
+} // namespace os::bsp
