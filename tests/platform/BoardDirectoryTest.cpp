@@ -1,4 +1,5 @@
 #include "BoardDirectory.h"
+#include "Namespaces.h"
 #include "OtherUser.h"
 #include "TemporaryDirectory.h"
 
@@ -152,7 +153,8 @@ TEST_F(BoardDirectory, IsTheSystemsForAProgramThatIsItsOwnersForAll)
     {};
     ASSERT_EQ(::statvfs(directory.path().c_str(), &disk), 0);
     if ((disk.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
-        GTEST_SKIP() << "no program gets rights here that its caller lacks";
+        GTEST_SKIP() << (testsupport::haveNamespaces() ? "" : testsupport::NoNamespaces)
+                     << "no program gets rights here that its caller lacks";
     }
     const std::string program = directory.file("program");
     std::filesystem::copy_file(BOARD_PATH, program);

@@ -1,3 +1,4 @@
+#include "Namespaces.h"
 #include "Program.h"
 #include "TraceTest.h"
 
@@ -71,7 +72,8 @@ TEST_F(TraceRights, WhenRaisedByTheSystemLeaveTheEnvironmentUnheeded)
     {};
     ASSERT_EQ(::statvfs(program.c_str(), &fileSystem), 0);
     if ((fileSystem.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
-        GTEST_SKIP() << "here, programs do not get the rights of their files";
+        GTEST_SKIP() << (testsupport::haveNamespaces() ? "" : testsupport::NoNamespaces)
+                     << "programs do not get the rights of their files here";
     }
     // A group's rights: as another user, the program might not reach its libraries.
     constexpr gid_t OtherGroup = 65534;
