@@ -78,15 +78,15 @@ TEST_P(RunVisible, OnlyWhatThereIs)
 
 TEST_P(RunVisible, TheFoldersOfPrograms)
 {
-    const TemporaryDirectory programs;
-    const TemporaryDirectory libraries;
+    const TemporaryDirectory programs("/tmp");
+    const TemporaryDirectory libraries("/tmp");
     fs::create_directory(programs.path() / "bin");
     writeScript(programs.file("bin/greet"), "echo hello");
     testsupport::writeFile(libraries.file("library"), "text\n");
     fs::create_directory_symlink(libraries.path(), file("link"));
     for (int i = 0; i < 2; ++i) {
         Program program =
-            boardTool({"run", file("b"), "sh", "-c", "greet; cat $LD_LIBRARY_PATH/*"});
+            boardTool({"run", file("b"), "sh", "-c", "greet; cat \"$LD_LIBRARY_PATH\"/*"});
         program.directory = "/";
         program.environment["PATH"] =
             "/tmp/no/such:" + programs.file("bin") + ':' + std::getenv("PATH");
@@ -97,7 +97,7 @@ TEST_P(RunVisible, TheFoldersOfPrograms)
 
 TEST_P(RunVisible, TheBoardsOwnFoldersOfPrograms)
 {
-    const TemporaryDirectory programs;
+    const TemporaryDirectory programs("/tmp");
     writeScript(programs.file("greet"), "echo host");
     const fs::path own = file("b/tmp") / programs.path().filename();
     fs::create_directory(own);
