@@ -161,7 +161,7 @@ TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
 
 TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
 {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizer's own memory can be locked in a process forked beside threads";
 #endif
     EXPECT_TRUE(config.set("key", "value"));

@@ -373,6 +373,9 @@ TEST_F(ConfigStore, IsNotOpenBetweenCalls)
 
 TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
 {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the sanitizer takes printing on closed streams, as here, for a race";
+#endif
     EXPECT_TRUE(config.set("key", "value"));
     const pid_t process = ::fork();
     if (process == 0) {
