@@ -19,7 +19,6 @@ using firmware::kernel;
 using firmware::noise;
 using firmware::temporaryImageExists;
 using recordingtrace::takeLines;
-using systemcalls::fail;
 using systemcalls::hooks;
 using systemcalls::real;
 using testing::ElementsAre;

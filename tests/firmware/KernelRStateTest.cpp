@@ -20,7 +20,6 @@ using firmware::ask;
 using firmware::askFile;
 using firmware::failed;
 using firmware::found;
-using firmware::gzip;
 using firmware::kernelImage;
 using firmware::noise;
 using firmware::TemporaryImage;

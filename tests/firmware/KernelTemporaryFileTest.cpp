@@ -14,7 +14,6 @@
 namespace
 {
 
-using firmware::askFile;
 using firmware::Course;
 using firmware::failed;
 using firmware::found;

@@ -4,9 +4,6 @@
 
 #include <fcntl.h>
 
-using systemcalls::hooks;
-using systemcalls::real;
-
 extern "C"
 {
     // With 64-bit file offsets these are the functions' names on every machine.
@@ -72,8 +69,8 @@ namespace
 template <typename Function, typename... Arguments>
 auto call(Function Hooks::*function, Arguments... arguments)
 {
-    const Function& hook = hooks().*function;
-    return hook ? hook(arguments...) : (real().*function)(arguments...);
+    const Function& hook = systemcalls::hooks().*function;
+    return hook ? hook(arguments...) : (systemcalls::real().*function)(arguments...);
 }
 
 } // namespace
