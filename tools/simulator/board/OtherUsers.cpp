@@ -84,23 +84,30 @@ private:
         return std::move(*directory);
     }
 
+    /** An emulator that shows programs a root of its own knows its entries by whole paths only. */
+    std::string pathTo(const std::string& step) const
+    {
+        return m_current.name() == "/" ? '/' + step : step;
+    }
+
     void take(const std::string& step)
     {
         // The start "." is left out of what messages show.
         const fs::path name = m_current.name() == "." ? fs::path(step) : m_current.nameOf(step);
-        FileDescriptor next = m_current.openEntry(step, O_RDONLY | O_DIRECTORY);
+        const std::string entry = pathTo(step);
+        FileDescriptor next = m_current.openEntry(entry, O_RDONLY | O_DIRECTORY);
         if (next.isOpen()) {
             m_current = Directory(std::move(next), name);
             require(statusOf(m_current), Sharing::Allowed, name);
             return;
         }
         const int error = errno;
-        const std::optional<struct stat> status = m_current.status(step);
+        const std::optional<struct stat> status = m_current.status(entry);
         if (!status || !S_ISLNK(status->st_mode)) {
             throw failure(error);
         }
         require(*status, Sharing::Allowed, name);
-        follow(step);
+        follow(entry);
     }
 
     void follow(const std::string& link)
