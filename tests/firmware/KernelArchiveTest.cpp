@@ -1,6 +1,7 @@
 // Where the gzip stream is looked for in an image, and how it is inflated.
 
 #include "FirmwareImages.h"
+#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 
@@ -10,27 +11,22 @@ namespace
 {
 
 using firmware::ask;
+using firmware::Course;
 using firmware::failed;
 using firmware::found;
 using firmware::gzip;
+using firmware::headerAt;
+using firmware::inflated;
+using firmware::kernel;
 using firmware::kernelImage;
 using firmware::noise;
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
-constexpr HvxTraceLevel Course = 5;
-
-const std::string kernel = "Linux version 2.6.34.R1A01 (builder)";
 const std::string header = "\x1F\x8B\x08";
 const std::string noHeader = "bsp.core 1 Bsp_findArchive(): Couldn't find ZLIB header";
 const std::string endOfFile = "bsp.core 4 Bsp_inflateArchive(): End-of-file reached";
-const std::string inflated = "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
 const std::string noVersion = "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found";
-
-std::string headerAt(std::size_t position)
-{
-    return "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos " + std::to_string(position);
-}
 
 std::string inflateError(int code)
 {

@@ -27,25 +27,25 @@ const std::string nul(1, '\0');
 
 struct Case
 {
-    std::string kernel;
+    std::string contents;
     Answer answer;
 };
 
 /** Every case by itself, at the end of the kernel, and with more behind it. */
 void expectAnswers(const std::vector<Case>& cases)
 {
-    for (const auto& [kernel, answer] : cases) {
-        for (const std::string& inflated :
-             {kernel, noise(5000) + kernel, noise(4096) + kernel + " " + noise(9000)})
+    for (const auto& [contents, answer] : cases) {
+        for (const std::string& image :
+             {contents, noise(5000) + contents, noise(4096) + contents + " " + noise(9000)})
         {
-            EXPECT_EQ(ask(kernelImage(inflated)), answer) << kernel;
+            EXPECT_EQ(ask(kernelImage(image)), answer) << contents;
             const auto errors = takeLines(1);
             if (answer == failed()) {
                 EXPECT_THAT(errors, ElementsAre("bsp.core 1 Bsp_findLinuxVersion(): "
                                                 "No Linux version found"))
-                    << kernel;
+                    << contents;
             } else {
-                EXPECT_THAT(errors, testing::IsEmpty()) << kernel;
+                EXPECT_THAT(errors, testing::IsEmpty()) << contents;
             }
         }
     }
@@ -165,18 +165,18 @@ TEST(KernelBanner, IsNothingLess)
 }
 
 /** The rules in the plainest way; the kernel has no NUL. */
-Answer plainAnswer(const std::string& kernel)
+Answer plainAnswer(const std::string& contents)
 {
     const std::string banner = "Linux version";
     std::size_t count = 0;
-    for (std::size_t i = 0; i < kernel.size(); ++i) {
-        count = kernel[i] == banner[count] ? count + 1 : 0;
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        count = contents[i] == banner[count] ? count + 1 : 0;
         if (count == banner.size()) {
             char rstate[8] = "before";
             int numbers[3] = {};
-            if (i + 2 <= kernel.size()) {
+            if (i + 2 <= contents.size()) {
                 // NOLINTNEXTLINE(cert-err34-c): what does not match is part of the rule
-                std::sscanf(kernel.c_str() + i + 2, "%d.%d.%d.%7[a-zA-Z0-9]", &numbers[0],
+                std::sscanf(contents.c_str() + i + 2, "%d.%d.%d.%7[a-zA-Z0-9]", &numbers[0],
                             &numbers[1], &numbers[2], rstate);
             }
             return found(rstate);
@@ -209,12 +209,12 @@ TEST(KernelBanner, IsReadByThePlainRulesInAnyKernel)
     std::minstd_rand generator(20);
     int successes = 0;
     for (int round = 0; round < 3000; ++round) {
-        std::string kernel = "k";
+        std::string contents = "k";
         for (auto i = generator() % 12 + 1; i > 0; --i) {
-            kernel += pieces[generator() % pieces.size()];
+            contents += pieces[generator() % pieces.size()];
         }
-        const Answer expected = plainAnswer(kernel);
-        ASSERT_EQ(ask(gzip(kernel)), expected) << kernel;
+        const Answer expected = plainAnswer(contents);
+        ASSERT_EQ(ask(gzip(contents)), expected) << contents;
         successes += expected.result == 0 ? 1 : 0;
         takeLines();
     }

@@ -6,6 +6,7 @@
 #define TESTS_FIRMWARE_KERNELFAULTS_H
 
 #include "FirmwareImages.h"
+#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 #include "SystemCalls.h"
@@ -20,15 +21,6 @@ namespace firmware
 using systemcalls::hooks;
 using systemcalls::real;
 using testsupport::TemporaryDirectory;
-
-/** Messages up to this level say how a call went. */
-constexpr HvxTraceLevel Course = 5;
-
-inline const std::string kernel = "Linux version 2.6.34.R1A01 (builder)";
-inline const std::string headerAt1000 =
-    "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos 1000";
-inline const std::string inflated =
-    "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
 
 /** Sees to it that nothing is left over, whatever failed. */
 class KernelFaults : public testing::Test

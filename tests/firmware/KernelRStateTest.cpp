@@ -1,4 +1,5 @@
 #include "FirmwareImages.h"
+#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 
@@ -18,8 +19,12 @@ namespace
 using firmware::Answer;
 using firmware::ask;
 using firmware::askFile;
+using firmware::Course;
 using firmware::failed;
 using firmware::found;
+using firmware::headerAt;
+using firmware::inflated;
+using firmware::kernel;
 using firmware::kernelImage;
 using firmware::noise;
 using firmware::TemporaryImage;
@@ -31,18 +36,7 @@ using testing::IsEmpty;
 using testsupport::TemporaryDirectory;
 using testsupport::writeFile;
 
-const std::string kernel = "Linux version 2.6.34.R1A01 (builder)";
 const std::string realImage = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
-
-/** Messages up to this level say how a call went. */
-constexpr HvxTraceLevel Course = 5;
-
-std::string headerAt(std::size_t position)
-{
-    return "bsp.core 5 Bsp_findArchive(): ZLIB header found at pos " + std::to_string(position);
-}
-
-const std::string inflated = "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
 
 /** The number that the next opened descriptor gets. */
 std::string nextDescriptor()

@@ -18,6 +18,7 @@ using firmware::Course;
 using firmware::failed;
 using firmware::found;
 using firmware::headerAt1000;
+using firmware::noTemporaryFile;
 using firmware::TemporaryImage;
 using firmware::temporaryImageExists;
 using recordingtrace::takeLines;
@@ -29,9 +30,6 @@ using testsupport::writeFile;
 
 class KernelTemporaryFile : public firmware::KernelFaults
 {};
-
-const std::string noTemporaryFile =
-    "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
 
 constexpr int AnyOpen = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 constexpr int Making = AnyOpen | O_RDWR | O_CREAT | O_EXCL;

@@ -31,6 +31,8 @@ using firmware::found;
 using firmware::headerAt1000;
 using firmware::kernelImage;
 using firmware::noise;
+using firmware::noTemporaryFile;
+using firmware::planted;
 using firmware::StuckCaller;
 using firmware::TemporaryImage;
 using firmware::temporaryImageExists;
@@ -47,9 +49,6 @@ using testsupport::writeFile;
 
 constexpr uid_t Nobody = 65534;
 constexpr uid_t Another = 65533;
-
-const std::string noTemporaryFile =
-    "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
 
 bool become(uid_t user)
 {
@@ -79,9 +78,6 @@ bool does(uid_t user, const std::function<bool()>& action)
 {
     return hasDone(start(user, action));
 }
-
-/** What somebody has put there in the hope that it is taken for an inflated kernel. */
-const std::string planted = "Linux version 6.6.6.R6E6";
 
 bool plant()
 {

@@ -24,6 +24,8 @@ using firmware::found;
 using firmware::headerAt1000;
 using firmware::kernelImage;
 using firmware::noise;
+using firmware::noTemporaryFile;
+using firmware::planted;
 using firmware::StuckCaller;
 using firmware::TemporaryImage;
 using firmware::temporaryImageExists;
@@ -39,12 +41,6 @@ using testing::Ge;
 using testing::Le;
 using testsupport::readFile;
 using testsupport::writeFile;
-
-const std::string noTemporaryFile =
-    "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
-
-/** What somebody has put there in the hope that it is taken for an inflated kernel. */
-const std::string planted = "Linux version 6.6.6.R6E6";
 
 /** Somebody's file of the temporary file's name, open. */
 class SomebodysFile

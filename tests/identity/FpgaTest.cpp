@@ -18,7 +18,7 @@ using fakeboard::store;
 using recordingtrace::takeLines;
 using testing::IsEmpty;
 
-constexpr std::size_t TrafficWord = 3;
+constexpr std::size_t TrafficFpgaWord = 3;
 
 struct Setting
 {
@@ -38,7 +38,7 @@ class FpgaVariant : public testing::TestWithParam<Setting>
 
 TEST_P(FpgaVariant, DecidesOnTheTrafficFpga)
 {
-    setWord(TrafficWord, GetParam().value);
+    setWord(TrafficFpgaWord, GetParam().value);
     store().values[os::bsp::key::FpgaVariant] = *GetParam().setting;
     EXPECT_EQ(static_cast<int>(os::bsp::getTrafFpgaType()), GetParam().answer);
     EXPECT_EQ(Bsp_getTrafFpgaType(), GetParam().answer);
@@ -67,7 +67,7 @@ class WithSetting : public testing::TestWithParam<int>
 
 TEST_P(WithSetting, AsksTheStoreAnewAtEveryCall)
 {
-    setWord(TrafficWord, GetParam());
+    setWord(TrafficFpgaWord, GetParam());
     const int unset = Bsp_getTrafFpgaType();
     EXPECT_EQ(store().made, 1);
     EXPECT_EQ(store().destroyed, 1);
@@ -87,7 +87,7 @@ class WithoutSetting : public testing::TestWithParam<int>
 
 TEST_P(WithoutSetting, LeavesTheStoreAlone)
 {
-    setWord(TrafficWord, GetParam());
+    setWord(TrafficFpgaWord, GetParam());
     Bsp_getTrafFpgaType();
     EXPECT_EQ(store().made, 0);
     takeLines();
@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(Words, WithoutSetting, testing::Values(1, 2, 4, 6, 7, 9
 
 TEST(TrafFpgaType, PassesTheStoresExceptions)
 {
-    setWord(TrafficWord, 0);
+    setWord(TrafficFpgaWord, 0);
     store().onUse = [] { throw std::range_error("store"); };
     EXPECT_THROW(os::bsp::getTrafFpgaType(), std::range_error);
     EXPECT_THROW(Bsp_getTrafFpgaType(), std::range_error);

@@ -4,9 +4,6 @@
 #include "Namespaces.h"
 #include "Program.h"
 
-#include <iterator>
-#include <sstream>
-
 namespace testsupport
 {
 
@@ -19,8 +16,8 @@ inline Program startedBy(std::vector<std::string> starter, const std::string& pa
     program.path = starter.front();
     program.arguments.assign(starter.begin() + 1, starter.end());
     auto& words = program.arguments;
-    std::istringstream emulator(BSP_TEST_EMULATOR);
-    words.insert(words.end(), std::istream_iterator<std::string>(emulator), {});
+    const std::vector<std::string> emulator = testsupport::emulator();
+    words.insert(words.end(), emulator.begin(), emulator.end());
     words.push_back(path);
     words.insert(words.end(), arguments.begin(), arguments.end());
     return program;

@@ -16,7 +16,7 @@ namespace
 /** Whether this process has more rights than who started it. */
 bool hasRaisedRights = false;
 /** Done once, when the library reads its next setting. */
-std::function<void()> meanwhile;
+std::function<void()> beforeAnswer;
 
 } // namespace
 
@@ -28,8 +28,8 @@ extern "C"
 
 char* __wrap_secure_getenv(const char* name)
 {
-    if (meanwhile) {
-        std::exchange(meanwhile, nullptr)();
+    if (beforeAnswer) {
+        std::exchange(beforeAnswer, nullptr)();
     }
     return hasRaisedRights ? nullptr : __real_secure_getenv(name);
 }
@@ -101,7 +101,7 @@ TEST_F(TraceRights, AreLookedAtByAProcessThatIsForkedMeanwhileToo)
     setLevels("bad");
     testing::internal::CaptureStderr();
     int status = -1;
-    meanwhile = [&] {
+    beforeAnswer = [&] {
         std::thread([&] {
             const pid_t process = ::fork();
             if (process == 0) {

@@ -9,14 +9,14 @@ namespace
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
-struct Row
+struct Comparison
 {
     const char* a;
     const char* b;
     int result;
 };
 
-const Row rows[] = {
+const Comparison comparisons[] = {
     {"R1A", "R1A", 0},        {"R1A01", "R1A01", 0},
     {"R1A01", "R1A02", -1},   {"R1A02", "R1A01", 1},
     {"R1A", "R1A01", 0},      {"R1A01", "R1A", 0},
@@ -34,7 +34,7 @@ const Row rows[] = {
 
 TEST(RStateCompare, FollowsTheVersion)
 {
-    for (const Row& row : rows) {
+    for (const Comparison& row : comparisons) {
         const RState a{std::string(row.a)};
         const RState b{std::string(row.b)};
         EXPECT_EQ(a < b, row.result < 0) << row.a << " < " << row.b;

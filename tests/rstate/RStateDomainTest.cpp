@@ -14,7 +14,7 @@ namespace
 // The model: labels in the order in which they are given out, and tables instead of arithmetic.
 
 /** What each letter from A to Z counts as, at the first to the fourth position. */
-const std::array<std::string, 4> countsAs{
+const std::array<std::string, 4> letterCountsAs{
     "ABCDEFGHJJKLMNSSSSSTUVXXYZ", "BBCDFFGHJJKLMNSSSSSTVVXXZZ", "BBCDFFGHJJKLMNSSSSSTVVXXZZ",
     "ABCDEFGHJJKLMNSSSSSTUVXXYZ"};
 const std::array<std::string, 4> alphabets{"ABCDEFGHJKLMNSTUVXYZ", "BCDFGHJKLMNSTVXZ",
@@ -148,7 +148,7 @@ TEST_F(RStateDomain, ReadsEveryStringOfLetters)
     for (std::string letters = "A"; !letters.empty(); letters = nextString(letters)) {
         std::string canonical;
         for (const char letter : letters) {
-            canonical += countsAs[canonical.size()][static_cast<std::size_t>(letter - 'A')];
+            canonical += letterCountsAs[canonical.size()][static_cast<std::size_t>(letter - 'A')];
         }
         const std::string text = "R3" + letters;
         RState rstate(text);

@@ -12,7 +12,7 @@ namespace
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
-struct Row
+struct Written
 {
     int major;
     int minor;
@@ -36,7 +36,7 @@ TEST(RStateFormat, ReportsEntryAndResult)
 
 TEST(RStateFormat, WritesVersions)
 {
-    const Row rows[] = {
+    const Written rows[] = {
         {1, 0, 0, "R1A"},      {1, 0, 1, "R1A01"},     {1, 0, 9, "R1A09"},
         {1, 0, 10, "R1A10"},   {1, 0, 99, "R1A99"},    {1, 0, 100, "R1A100"},
         {1, 0, 999, "R1A999"}, {3, 1, 123, "R3B123"},  {9, 21, 0, "R9AC"},
@@ -44,7 +44,7 @@ TEST(RStateFormat, WritesVersions)
         {1, 20, 0, "R1AB"},    {1, 339, 0, "R1ZZ"},    {1, 340, 0, "R1ABB"},
         {1, 5459, 0, "R1ZZZ"}, {1, 5460, 0, "R1ABBA"}, {1, 107859, 0, "R1ZZZZ"},
     };
-    for (const Row& row : rows) {
+    for (const Written& row : rows) {
         RState rstate(row.major, row.minor, row.verification);
         EXPECT_EQ(rstate.getText(), row.text);
         EXPECT_EQ(rstate.getMajor(), row.major);
@@ -57,7 +57,7 @@ TEST(RStateFormat, WritesVersions)
 
 TEST(RStateFormat, ChecksNoNumber)
 {
-    const Row rows[] = {
+    const Written rows[] = {
         {0, 0, 0, "R0A"},
         {-1, 0, 0, "R-1A"},
         {1, -1, 0, "R1@"},
@@ -69,7 +69,7 @@ TEST(RStateFormat, ChecksNoNumber)
         {INT_MIN, 107859, INT_MAX, "R-2147483648ZZZZ2147483647"},
         {INT_MAX, 0, 0, "R2147483647A"},
     };
-    for (const Row& row : rows) {
+    for (const Written& row : rows) {
         EXPECT_EQ(RState(row.major, row.minor, row.verification).getText(), row.text);
     }
 }

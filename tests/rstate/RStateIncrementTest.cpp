@@ -12,7 +12,7 @@ namespace
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
-struct Row
+struct Step
 {
     const char* before;
     IncrementType type;
@@ -24,9 +24,9 @@ constexpr IncrementType Revision = IncrementType::Revision;
 constexpr IncrementType Minor = IncrementType::Minor;
 constexpr IncrementType Major = IncrementType::Major;
 
-void expectSteps(const std::vector<Row>& rows)
+void expectSteps(const std::vector<Step>& rows)
 {
-    for (const Row& row : rows) {
+    for (const Step& row : rows) {
         RState rstate{std::string(row.before)};
         rstate.increment(row.type);
         EXPECT_EQ(rstate.getText(), row.after)

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <iterator>
-#include <sstream>
 
 #include <unistd.h>
 
@@ -48,9 +46,9 @@ void BoardToolTest::expectRefusal(Words words, const std::string& complaint, int
 BoardToolTest::Words BoardToolTest::wordsToRun(const std::string& board, const std::string& program,
                                                const Words& arguments)
 {
-    std::istringstream emulator(BSP_TEST_EMULATOR);
+    const Words emulator = testsupport::emulator();
     Words words{"run", board, "--"};
-    words.insert(words.end(), std::istream_iterator<std::string>(emulator), {});
+    words.insert(words.end(), emulator.begin(), emulator.end());
     words.push_back(program);
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;

@@ -16,7 +16,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* Hint = "\nTry 'bsp-board set --help'.\n";
+constexpr const char* SetHint = "\nTry 'bsp-board set --help'.\n";
 
 /** Sets what a program would set, on board "b". */
 class Set : public BoardToolTest
@@ -30,7 +30,7 @@ protected:
     {
         const std::vector<std::string> before = everything();
         words.insert(words.begin(), {"set", "b"});
-        expectRefusal(std::move(words), "bsp-board: " + complaint + Hint, 2);
+        expectRefusal(std::move(words), "bsp-board: " + complaint + SetHint, 2);
         EXPECT_EQ(everything(), before);
     }
 };

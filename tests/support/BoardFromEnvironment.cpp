@@ -84,7 +84,7 @@ void writeStoreCalls()
     });
 }
 
-const bool described = [] {
+const bool boardDescribed = [] {
     with("FAKE_BOARD_CODE", setCode);
     with("FAKE_BOARD_READ_RESULT",
          [](const std::string& text) { fakeboard::eeprom().result = std::stoi(text); });

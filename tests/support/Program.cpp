@@ -22,17 +22,6 @@ namespace
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/** Words to put in front of a program that the machine cannot run by itself. */
-std::vector<std::string> emulator()
-{
-    std::istringstream words(BSP_TEST_EMULATOR);
-    std::vector<std::string> result;
-    for (std::string word; words >> word;) {
-        result.push_back(word);
-    }
-    return result;
-}
-
 struct CommandLine
 {
     std::string path;
@@ -103,6 +92,16 @@ void drainBoth(std::array<int, 2> fds, std::array<std::string*, 2> texts)
 }
 
 } // namespace
+
+std::vector<std::string> emulator()
+{
+    std::istringstream words(BSP_TEST_EMULATOR);
+    std::vector<std::string> result;
+    for (std::string word; std::getline(words, word, '|');) {
+        result.push_back(word);
+    }
+    return result;
+}
 
 pid_t Program::start() const
 {

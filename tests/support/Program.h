@@ -42,6 +42,9 @@ struct Program
     pid_t start() const;
 };
 
+/** Words to put in front of a program that this machine cannot run by itself; none if it can. */
+std::vector<std::string> emulator();
+
 /** A program of this project's build, such as "bsp" or "bsp-board". */
 Program tool(const std::string& name, std::vector<std::string> arguments = {});
 

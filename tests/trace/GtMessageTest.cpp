@@ -14,11 +14,11 @@ using testing::IsEmpty;
 
 GT_TraceRecord record{TraceRecordStartLevel, "test.gt"};
 
-int timesEvaluated = 0;
+int timesPrinted = 0;
 
-void writeNumber(HvxTraceLevel level)
+void printNumber(HvxTraceLevel level)
 {
-    TRACE_PRINTF(record, level, "%s(): %d\n", __func__, ++timesEvaluated);
+    TRACE_PRINTF(record, level, "%s(): %d\n", __func__, ++timesPrinted);
 }
 
 TEST(GtMessage, HandsTheFormatAndItsValuesToTheLibrary)
@@ -31,20 +31,20 @@ TEST(GtMessage, ReachesTheLibraryOnceWhateverTheLevel)
 {
     recordingtrace::setLevel("test.gt", 3);
     EXPECT_EQ(record.level, 0x1003U);
-    writeNumber(6);
-    EXPECT_EQ(timesEvaluated, 1) << "the library decides about the first message";
+    printNumber(6);
+    EXPECT_EQ(timesPrinted, 1) << "the library decides about the first message";
     EXPECT_EQ(record.level, 3U);
-    writeNumber(6);
-    EXPECT_EQ(timesEvaluated, 1);
+    printNumber(6);
+    EXPECT_EQ(timesPrinted, 1);
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
 TEST(GtMessage, ComparesTheLevelAsUnsigned)
 {
     recordingtrace::setLevel("test.gt", 0x80000000U);
-    writeNumber(7);
-    writeNumber(7);
-    EXPECT_EQ(timesEvaluated, 2);
+    printNumber(7);
+    printNumber(7);
+    EXPECT_EQ(timesPrinted, 2);
 }
 
 TEST(GtMessage, KeepsErrnoInTheValuesAndForTheCaller)

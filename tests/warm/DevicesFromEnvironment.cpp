@@ -20,7 +20,7 @@ std::string variable(const char* name)
     return value == nullptr ? "" : value;
 }
 
-const bool described = [] {
+const bool devicesDescribed = [] {
     if (variable("FAKE_DTCM") == "missing") {
         fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
     } else if (variable("FAKE_DTCM") == "unmappable") {

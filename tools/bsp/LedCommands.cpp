@@ -10,7 +10,7 @@ namespace
 constexpr unsigned int LedCount = 3;   // also the number of no LED
 constexpr unsigned int StateCount = 7; // also the number of no state
 
-void listArguments()
+void listLedsAndStates()
 {
     std::cerr << "Error: valid arguments are <LEDname> <state>" << std::endl;
     std::cerr << "Available LEDs are:" << std::endl;
@@ -26,7 +26,7 @@ void listArguments()
 std::int32_t setState(std::int32_t argc, char* argv[])
 {
     if (argc < 2) {
-        listArguments();
+        listLedsAndStates();
         return 1;
     }
     const unsigned int led = Led_nameToObject(argv[0]);

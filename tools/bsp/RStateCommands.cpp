@@ -24,7 +24,7 @@ IncrementType findIncrementType(const char* name)
     return IncrementType::EndOfList;
 }
 
-void listArguments()
+void listIncrementTypes()
 {
     std::cerr << "Error: valid arguments are <R-state> <increment type>" << std::endl;
     std::cerr << "Available increment types are:" << std::endl;
@@ -37,7 +37,7 @@ void listArguments()
 std::int32_t increment(std::int32_t argc, char* argv[])
 {
     if (argc < 1) {
-        listArguments();
+        listIncrementTypes();
         return 1;
     }
     RState rstate{std::string(argv[0])};

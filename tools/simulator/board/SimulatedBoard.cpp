@@ -69,7 +69,7 @@ BoardFile openFile(const Directory& directory, const std::string& entry, std::si
     return file;
 }
 
-std::optional<Directory> findDirectory(const Directory& directory, const std::string& entry)
+std::optional<Directory> findPart(const Directory& directory, const std::string& entry)
 {
     const std::optional<struct stat> status = directory.status(entry);
     if (status && !S_ISDIR(status->st_mode)) {
@@ -80,7 +80,7 @@ std::optional<Directory> findDirectory(const Directory& directory, const std::st
 
 BoardLed findLed(const std::optional<Directory>& leds, const std::string& name)
 {
-    BoardLed led{name, leds ? findDirectory(*leds, name) : std::nullopt, {}, {}};
+    BoardLed led{name, leds ? findPart(*leds, name) : std::nullopt, {}, {}};
     if (led.directory) {
         led.trigger = findFile(*led.directory, entry::LedTrigger, 0);
         led.state = findFile(*led.directory, entry::LedState, 0);
@@ -94,9 +94,9 @@ SimulatedBoard SimulatedBoard::open(const Directory& board)
 {
     SimulatedBoard parts{openFile(board, entry::Dtcm, Board::DtcmSize),
                          openFile(board, entry::Registers, Board::RegistersSize),
-                         findDirectory(board, entry::SharedMemory),
-                         findDirectory(board, entry::TemporaryFiles),
-                         findDirectory(board, entry::Leds),
+                         findPart(board, entry::SharedMemory),
+                         findPart(board, entry::TemporaryFiles),
+                         findPart(board, entry::Leds),
                          {}};
     for (unsigned int number = 0; number < NoOfLeds; ++number) {
         parts.led.push_back(findLed(parts.leds, Led_objectToName(number)));

@@ -17,7 +17,7 @@ using os::bsp::hwVariants;
 /** What software takes a board for whose EEPROM cannot be read. */
 constexpr const char* DefaultVariant = "14";
 
-struct Options
+struct CreateArguments
 {
     std::string directory;
     std::string product;
@@ -75,7 +75,7 @@ void requireOneChoice(const CLI::App& command)
     }
 }
 
-std::string chosenCode(const Options& options, const CLI::App& command)
+std::string chosenCode(const CreateArguments& options, const CLI::App& command)
 {
     requireOneChoice(command);
     if (command.count("--product") != 0) {
@@ -93,7 +93,7 @@ void addCreateCommand(CLI::App& app)
 {
     CLI::App* const command =
         app.add_subcommand("create", "Make a board, in the state after a cold restart");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CreateArguments>();
     command
         ->add_option("DIR", options->directory,
                      "The board's directory, which must not exist or be empty")

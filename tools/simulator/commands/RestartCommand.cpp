@@ -12,7 +12,7 @@ namespace
 
 using os::bsp::ResetType;
 
-struct Options
+struct RestartArguments
 {
     std::string directory;
     std::string cause;
@@ -34,7 +34,7 @@ ResetType parsedCause(const std::string& cause)
     return found->second;
 }
 
-void restart(const Options& options)
+void restart(const RestartArguments& options)
 {
     const ResetType cause = parsedCause(options.cause);
     const Directory board = openBoard(options.directory, options.trustOthers ? OtherUsers::Trusted
@@ -48,7 +48,7 @@ void restart(const Options& options)
 void addRestartCommand(CLI::App& app)
 {
     CLI::App* const command = app.add_subcommand("restart", "Do to a board what a restart does");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<RestartArguments>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command->add_option("CAUSE", options->cause, "cold, warm or watchdog")->required();
     command->add_flag(TrustOption, options->trustOthers, TrustOptionHelp);

@@ -13,7 +13,7 @@
 namespace
 {
 
-struct Options
+struct RunArguments
 {
     std::string directory;
     std::string command;
@@ -58,7 +58,7 @@ Isolation parsedIsolation(const std::string& word)
     return found->second;
 }
 
-int run(const Options& given, const std::vector<std::string>& words, bool isIsolationGiven)
+int run(const RunArguments& given, const std::vector<std::string>& words, bool isIsolationGiven)
 {
     RunOptions options;
     if (isIsolationGiven) {
@@ -107,7 +107,7 @@ void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& st
 {
     CLI::App* const command = app.add_subcommand(
         "run", "Run a command on a board: with its /dev/shm, /tmp and /sys/class/leds");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<RunArguments>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command
         ->add_option("COMMAND", options->command,

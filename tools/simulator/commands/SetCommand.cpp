@@ -25,7 +25,7 @@ constexpr const char* SlotKey = "slot";
 /** What this program calls itself for on the board, where the slot id can be set. */
 constexpr const char* SetSlotHere = "set-slot-here";
 
-struct Options
+struct SetArguments
 {
     std::string directory;
     std::string key;
@@ -72,7 +72,7 @@ Setting knownSetting(const std::string& name)
                      ", or with --any any other");
 }
 
-void requireKnown(const Options& options)
+void requireKnown(const SetArguments& options)
 {
     const Setting setting = knownSetting(options.key);
     const std::vector<std::string>& values = setting.values;
@@ -93,7 +93,7 @@ int parsedSlotId(const std::string& text)
     return slotId;
 }
 
-Directory openBoardToSet(const Options& options, Use use)
+Directory openBoardToSet(const SetArguments& options, Use use)
 {
     Directory board = openBoard(options.directory,
                                 options.trustOthers ? OtherUsers::Trusted : OtherUsers::Refused);
@@ -103,7 +103,7 @@ Directory openBoardToSet(const Options& options, Use use)
 }
 
 /** The slot id is in memory that programs share, so a program on the board sets it. */
-int setSlotId(const Options& options)
+int setSlotId(const SetArguments& options)
 {
     constexpr int notSet = -1;
     const int slotId = options.clear ? notSet : parsedSlotId(options.value);
@@ -114,7 +114,7 @@ int setSlotId(const Options& options)
     return status == EXIT_SUCCESS ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-void changeSetting(const Options& options)
+void changeSetting(const SetArguments& options)
 {
     if (!options.any) {
         requireKnown(options);
@@ -132,7 +132,7 @@ void changeSetting(const Options& options)
     }
 }
 
-int set(const Options& options, bool hasValue)
+int set(const SetArguments& options, bool hasValue)
 {
     if (options.clear == hasValue) {
         throw UsageError(hasValue ? "VALUE and --clear cannot be given together"
@@ -168,7 +168,7 @@ void addSetCommand(CLI::App& app, int& status)
 {
     CLI::App* const command =
         app.add_subcommand("set", "Set a board's slot id or a setting in its store");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SetArguments>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command->add_option("KEY", options->key, "slot, RadiolinkMode or FpgaVariant")->required();
     command->add_option("VALUE", options->value, "The value it gets");

@@ -12,7 +12,7 @@
 namespace
 {
 
-struct Options
+struct ShowArguments
 {
     std::string directory;
     bool dump = false;
@@ -29,7 +29,7 @@ Directory openToLook(const std::string& path)
     return {std::move(directory), board.directory()};
 }
 
-void show(const Options& options)
+void show(const ShowArguments& options)
 {
     const Directory board = openToLook(options.directory);
     requireBoard(board);
@@ -43,7 +43,7 @@ void addShowCommand(CLI::App& app)
 {
     CLI::App* const command =
         app.add_subcommand("show", "Show what a board is and what is on it, changing nothing");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ShowArguments>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command->add_flag("--dump", options->dump, "Also dump the used blocks of the warm area");
     command->callback([options] { show(*options); });

@@ -46,7 +46,7 @@ std::string wrongOption(const CLI::App& command, const CLI::ParseError& error)
 
 std::string usageText(const CLI::App& app, const CLI::ParseError& error)
 {
-    const std::string word = wrongWord(app);
+    std::string word = wrongWord(app);
     if (!word.empty()) {
         return word;
     }
