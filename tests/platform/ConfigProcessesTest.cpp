@@ -3,6 +3,7 @@
 #include "Files.h"
 #include "NxuConfig.h"
 #include "Program.h"
+#include "Sanitizers.h"
 
 #include <gmock/gmock.h>
 
@@ -161,9 +162,9 @@ TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
 
 TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer's own memory can be locked in a process forked beside threads";
-#endif
+    if (!testsupport::canForkBesideThreads()) {
+        GTEST_SKIP() << testsupport::NoForkBesideThreads;
+    }
     EXPECT_TRUE(config.set("key", "value"));
     std::atomic<bool> done{false};
     std::thread writer([&] {
@@ -347,7 +348,7 @@ TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
 
 TEST_F(ConfigProcesses, ReadAndWriteAtOnce)
 {
-    constexpr int Writes = 40;
+    constexpr int Writes = 10; // each of them waits for the disk
     const auto writer = [](int id) {
         bool isFine = true;
         for (int i = 0; i < Writes; ++i) {

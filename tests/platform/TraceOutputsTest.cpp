@@ -1,5 +1,6 @@
 #include "Program.h"
 #include "Sandbox.h"
+#include "Sanitizers.h"
 #include "TraceTest.h"
 
 #include <array>
@@ -182,6 +183,9 @@ TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
 {
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
+    }
+    if (!testsupport::canForkBesideThreads()) {
+        GTEST_SKIP() << testsupport::NoForkBesideThreads;
     }
     setOutput("syslog");
     // Nobody listens, or the log would fill up.

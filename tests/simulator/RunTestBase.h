@@ -27,7 +27,10 @@ protected:
         if (!words.empty() && words.front() == "run" && !GetParam().empty()) {
             words.insert(words.begin() + 1, GetParam());
         }
-        return BoardToolTest::boardTool(std::move(words));
+        testsupport::Program program = BoardToolTest::boardTool(std::move(words));
+        // The search for leaks traces, as proot does, and only one can.
+        program.environment["ASAN_OPTIONS"] = "detect_leaks=0";
+        return program;
     }
 
     /** `bsp-board run b -- sh -c SCRIPT sh ARGUMENTS...` */

@@ -29,12 +29,12 @@ enum Misdeed
 
 Misdeed misdeed = NoMisdeed;
 std::array<char, 8192> written{};
-std::size_t size = 0;
+std::size_t writtenSize = 0;
 
 void add(const char* data, std::size_t length)
 {
-    std::memcpy(written.data() + size, data, length);
-    size += length;
+    std::memcpy(written.data() + writtenSize, data, length);
+    writtenSize += length;
 }
 
 HvxTraceState state{{0, 0}, 7};
@@ -84,8 +84,8 @@ HvxTrace channel{"test.memory", 3};
 
 std::string takeWritten()
 {
-    std::string text(written.data(), size);
-    size = 0;
+    std::string text(written.data(), writtenSize);
+    writtenSize = 0;
     return text;
 }
 

@@ -34,7 +34,7 @@ struct SlotObject
     pthread_mutex_t mutex;
 };
 
-const std::string size = std::to_string(sizeof(SlotObject));
+const std::string slotSize = std::to_string(sizeof(SlotObject));
 const std::string found = "bsp.networking 5 WarmSlot(): The SLOT object was successfully retrieved "
                           "from the warm database";
 const std::string made = "bsp.networking 5 WarmSlot(): The SLOT object was created, initializing "
@@ -73,7 +73,7 @@ TEST(Slot, IsNotSetAfterAColdRestart)
                             "available: 32",
                             "Bsp.WarmDatabase 5 createObject(): Created object SLOT in block 1. "
                             "Size of object is " +
-                                size,
+                                slotSize,
                             "Bsp.WarmDatabase 5 getObjectSyncPointer(): Sync object for SLOT "
                             "found for block 1",
                             found, made));
