@@ -280,7 +280,8 @@ TEST_F(ConfigProcesses, DoNotWaitForEver)
 /** Whether files can get their name later, in that directory. */
 bool canNameFilesLater(const Board& board)
 {
-    const FileDescriptor file(::open(board.path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600));
+    const posix::FileDescriptor file(
+        ::open(board.path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600));
     const std::string name = board.file("named");
     const bool isNamed =
         file.isOpen() && ::linkat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(file.get())).c_str(),

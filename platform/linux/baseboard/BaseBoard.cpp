@@ -1,5 +1,6 @@
 #include "BaseBoard.h"
 #include "BoardDirectory.h"
+#include "FullRead.h"
 #include "OpenFile.h"
 
 #include <algorithm>
@@ -33,18 +34,11 @@ int checkType(int fd)
 /** Fills the code from the file; 0, or the errno value of what failed. */
 int readCode(int fd, HardwareCode& code)
 {
-    std::size_t have = 0;
-    while (have < code.size()) {
-        const ssize_t count = ::read(fd, code.data() + have, code.size() - have);
-        if (count > 0) {
-            have += static_cast<std::size_t>(count);
-        } else if (count == 0) {
-            return EIO;
-        } else if (errno != EINTR) {
-            return errno;
-        }
+    const ssize_t count = posix::readFully(fd, code.data(), code.size());
+    if (count == -1) {
+        return errno;
     }
-    return 0;
+    return static_cast<std::size_t>(count) < code.size() ? EIO : 0;
 }
 
 } // namespace
@@ -54,7 +48,7 @@ int e2prom_data_read(int device, int area, uint8_t* buffer)
     if (device != BaseBoardEeprom || area != HardwareCodeArea || buffer == nullptr) {
         return EINVAL;
     }
-    const FileDescriptor file =
+    const posix::FileDescriptor file =
         openFile(boarddirectory::entryPath("eeprom"), O_RDONLY | O_NOCTTY | O_NONBLOCK);
     if (!file.isOpen()) {
         return errno;

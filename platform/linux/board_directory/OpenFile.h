@@ -17,10 +17,11 @@
  * @param directory  descriptor that a relative path starts from
  * @return not open, with errno set, when that fails
  */
-FileDescriptor openFileAt(int directory, const std::string& path, int flags, mode_t mode = 0);
+posix::FileDescriptor openFileAt(int directory, const std::string& path, int flags,
+                                 mode_t mode = 0);
 
 /** openFileAt from the working directory. */
-inline FileDescriptor openFile(const std::string& path, int flags, mode_t mode = 0)
+inline posix::FileDescriptor openFile(const std::string& path, int flags, mode_t mode = 0)
 {
     return openFileAt(AT_FDCWD, path, flags, mode);
 }

@@ -37,14 +37,15 @@ DeviceFile openDevice(const std::string& name, int access)
         errno = EINVAL;
         return {};
     }
-    FileDescriptor file = openFile(boarddirectory::entryPath(name), access | O_NOCTTY | O_NONBLOCK);
+    posix::FileDescriptor file =
+        openFile(boarddirectory::entryPath(name), access | O_NOCTTY | O_NONBLOCK);
     struct stat status
     {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
         return {};
     }
     if (const int error = check(file.get(), status, name)) {
-        file = FileDescriptor();
+        file = posix::FileDescriptor();
         errno = error;
         return {};
     }

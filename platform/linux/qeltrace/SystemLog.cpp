@@ -30,7 +30,8 @@ int priority(HvxTraceLevel level)
 bool send(int socketType, const std::string& message)
 {
     constexpr sockaddr_un Address{AF_UNIX, "/dev/log"};
-    const FileDescriptor socket(::socket(AF_UNIX, socketType | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const posix::FileDescriptor socket(
+        ::socket(AF_UNIX, socketType | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     return socket.isOpen() &&
            ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&Address), sizeof Address) ==
                0 &&

@@ -1,4 +1,5 @@
 #include "TraceOutput.h"
+#include "ErrnoText.h"
 #include "LineWriter.h"
 #include "OpenFile.h"
 #include "StandardError.h"
@@ -8,7 +9,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstring>
 
 namespace qeltrace
 {
@@ -23,7 +23,7 @@ std::atomic<unsigned long> lostLines{0};
 bool appendToFile(const std::string& fileName, HvxTraceLevel level, const std::string& line)
 {
     // A named pipe that nobody reads must not make anyone wait.
-    const FileDescriptor file =
+    const posix::FileDescriptor file =
         openFile(fileName, O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK, 0666);
     if (file.isOpen()) {
         return writeLine(file.get(), line);
@@ -31,8 +31,7 @@ bool appendToFile(const std::string& fileName, HvxTraceLevel level, const std::s
     const int error = errno;
     static std::atomic<bool> reported{false};
     if (!reported.exchange(true)) {
-        reportBadSetting("QELTRACE_OUTPUT", fileName,
-                         std::strerror(error)); // NOLINT(concurrency-mt-unsafe): once
+        reportBadSetting("QELTRACE_OUTPUT", fileName, posix::errnoText(error).c_str());
     }
     return sendToSystemLog(level, line);
 }

@@ -49,7 +49,7 @@ private:
 
     const std::string m_name;
     const std::string m_draft;
-    const FileDescriptor m_directory;
+    const posix::FileDescriptor m_directory;
 };
 
 } // namespace settings

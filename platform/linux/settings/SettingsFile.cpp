@@ -1,4 +1,5 @@
 #include "SettingsFile.h"
+#include "FullRead.h"
 #include "OpenFile.h"
 
 #include <array>
@@ -67,7 +68,7 @@ std::optional<FileState> stateOf(const std::string& path)
 std::optional<Contents> read(const std::string& path)
 {
     // A pipe or a terminal at that place must not make anyone wait.
-    const FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    const posix::FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!file.isOpen() && errno == ENOENT) {
         refuseFormerFormat(path);
         return std::nullopt;
@@ -80,7 +81,7 @@ std::optional<Contents> read(const std::string& path)
     return Contents{state, state.isSettled(now), SettingsText(bytesOf(file)).entries()};
 }
 
-struct stat statusOfRegularFile(const FileDescriptor& file)
+struct stat statusOfRegularFile(const posix::FileDescriptor& file)
 {
     struct stat status
     {};
@@ -96,20 +97,20 @@ struct stat statusOfRegularFile(const FileDescriptor& file)
     return status;
 }
 
-std::string bytesOf(const FileDescriptor& file)
+std::string bytesOf(const posix::FileDescriptor& file)
 {
     constexpr std::size_t PieceSize = 4096;
     std::string bytes;
     std::array<char, PieceSize> piece{};
     while (bytes.size() <= MaxFileSize) {
-        const ssize_t size = ::read(file.get(), piece.data(), piece.size());
-        if (size == -1 && errno != EINTR) {
+        const ssize_t size = posix::readFully(file.get(), piece.data(), piece.size());
+        if (size == -1) {
             fail("cannot read");
         }
-        if (size == 0) {
+        bytes.append(piece.data(), static_cast<std::size_t>(size));
+        if (static_cast<std::size_t>(size) < piece.size()) {
             return bytes;
         }
-        bytes.append(piece.data(), size == -1 ? 0 : static_cast<std::size_t>(size));
     }
     throw std::runtime_error("larger than " + std::to_string(MaxFileSize) + " bytes");
 }

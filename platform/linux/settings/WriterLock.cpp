@@ -21,7 +21,7 @@ mode_t firstMode(const std::optional<struct stat>& status)
 }
 
 /** Lets those open the lock, for writing only, who can write the file. */
-void share(const FileDescriptor& lock, const std::optional<struct stat>& status)
+void share(const posix::FileDescriptor& lock, const std::optional<struct stat>& status)
 {
     if (status) {
         // Who may not do so either can do without.
@@ -56,7 +56,7 @@ WriterLock::~WriterLock()
 /** False when another has it, or had it until now. */
 bool WriterLock::tryToLock(const std::optional<struct stat>& status)
 {
-    FileDescriptor file = open();
+    posix::FileDescriptor file = open();
     if (!file.isOpen() && errno == ENOENT) {
         file = make(status);
     }
@@ -85,14 +85,14 @@ bool WriterLock::tryToLock(const std::optional<struct stat>& status)
     return true;
 }
 
-FileDescriptor WriterLock::open() const
+posix::FileDescriptor WriterLock::open() const
 {
     return openFileAt(m_directory, m_name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
 }
 
-FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
+posix::FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
 {
-    FileDescriptor file = makeWhole(status);
+    posix::FileDescriptor file = makeWhole(status);
     if (file.isOpen() || errno == EEXIST) {
         return file;
     }
@@ -111,9 +111,10 @@ FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
  * Gives the lock its name when others can open it, so that a process that is killed leaves nothing
  * that they cannot open. Not every file system, and not every sandbox, allows that.
  */
-FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) const
+posix::FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) const
 {
-    FileDescriptor file = openFileAt(m_directory, ".", O_WRONLY | O_TMPFILE, firstMode(status));
+    posix::FileDescriptor file =
+        openFileAt(m_directory, ".", O_WRONLY | O_TMPFILE, firstMode(status));
     if (!file.isOpen()) {
         return file;
     }
@@ -125,7 +126,7 @@ FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) c
     return file;
 }
 
-bool WriterLock::leadsTo(const FileDescriptor& file) const
+bool WriterLock::leadsTo(const posix::FileDescriptor& file) const
 {
     struct stat named
     {};

@@ -36,14 +36,14 @@ public:
 
 private:
     bool tryToLock(const std::optional<struct stat>& status);
-    FileDescriptor open() const;
-    FileDescriptor make(const std::optional<struct stat>& status) const;
-    FileDescriptor makeWhole(const std::optional<struct stat>& status) const;
-    bool leadsTo(const FileDescriptor& file) const;
+    posix::FileDescriptor open() const;
+    posix::FileDescriptor make(const std::optional<struct stat>& status) const;
+    posix::FileDescriptor makeWhole(const std::optional<struct stat>& status) const;
+    bool leadsTo(const posix::FileDescriptor& file) const;
 
     const int m_directory;
     const std::string m_name;
-    FileDescriptor m_file;
+    posix::FileDescriptor m_file;
 };
 
 } // namespace settings

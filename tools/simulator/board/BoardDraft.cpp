@@ -25,8 +25,8 @@ Failure cannotCreate(const fs::path& place, int error)
 Directory parentOf(const fs::path& place)
 {
     const fs::path path = place.has_parent_path() ? place.parent_path() : fs::path(".");
-    FileDescriptor parent(place.empty() ? -1
-                                        : ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    posix::FileDescriptor parent(
+        place.empty() ? -1 : ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!parent.isOpen()) {
         throw cannotCreate(place, place.empty() ? ENOENT : errno);
     }
@@ -34,7 +34,7 @@ Directory parentOf(const fs::path& place)
 }
 
 /** Holds a draft; false when another program does, or when it is no draft any more. */
-bool holdDraft(const Directory& parent, const std::string& name, const FileDescriptor& draft)
+bool holdDraft(const Directory& parent, const std::string& name, const posix::FileDescriptor& draft)
 {
     struct stat opened
     {};
@@ -54,7 +54,7 @@ void discard(const Directory& parent, const std::string& name, const Directory& 
 
 void discardIfAbandoned(const Directory& parent, const std::string& name)
 {
-    FileDescriptor draft = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
+    posix::FileDescriptor draft = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
     if (draft.isOpen() && holdDraft(parent, name, draft)) {
         discard(parent, name, {std::move(draft), parent.nameOf(name)});
     }
@@ -110,7 +110,7 @@ Directory BoardDraft::makeDraft()
         if (::mkdirat(m_parent.fd(), m_name.c_str(), any) != 0) {
             continue;
         }
-        FileDescriptor draft = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
+        posix::FileDescriptor draft = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
         if (draft.isOpen() && holdDraft(m_parent, m_name, draft)) {
             return {std::move(draft), m_place};
         }

@@ -1,6 +1,6 @@
 #include "board/Files.h"
 
-#include "FileDescriptor.h"
+#include "FullRead.h"
 #include "report/Failure.h"
 
 #include <algorithm>
@@ -24,26 +24,19 @@ std::string quoted(const fs::path& path)
     return "'" + path.string() + "'";
 }
 
-std::string readFile(const FileDescriptor& file, const fs::path& path, std::size_t size)
+std::string readFile(const posix::FileDescriptor& file, const fs::path& path, std::size_t size)
 {
     std::string contents(size, '\0');
-    std::size_t have = 0;
-    while (have < size) {
-        const ssize_t count = ::read(file.get(), contents.data() + have, size - have);
-        if (count > 0) {
-            have += static_cast<std::size_t>(count);
-        } else if (count == 0) {
-            break;
-        } else if (errno != EINTR) {
-            throw Failure("cannot read " + quoted(path), errno);
-        }
+    const ssize_t count = posix::readFully(file.get(), contents.data(), size);
+    if (count == -1) {
+        throw Failure("cannot read " + quoted(path), errno);
     }
-    contents.resize(have);
+    contents.resize(static_cast<std::size_t>(count));
     return contents;
 }
 
 /** Devices give their memory to a mapping only; reading them has another meaning. */
-std::string readMapped(const FileDescriptor& file, const fs::path& path, std::size_t size)
+std::string readMapped(const posix::FileDescriptor& file, const fs::path& path, std::size_t size)
 {
     void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0);
     if (memory == MAP_FAILED) {
@@ -64,7 +57,8 @@ std::string readMapped(const FileDescriptor& file, const fs::path& path, std::si
 
 std::string readStart(const fs::path& path, std::size_t size)
 {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    const posix::FileDescriptor file(
+        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status
     {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
@@ -73,7 +67,7 @@ std::string readStart(const fs::path& path, std::size_t size)
     return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
 }
 
-void write(const FileDescriptor& file, const fs::path& name, const std::string& contents)
+void write(const posix::FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
     std::size_t done = 0;
     while (done < contents.size()) {
@@ -86,7 +80,7 @@ void write(const FileDescriptor& file, const fs::path& name, const std::string& 
     }
 }
 
-void replace(const FileDescriptor& file, const fs::path& name, const std::string& contents)
+void replace(const posix::FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
     if (::ftruncate(file.get(), 0) != 0) {
         throw Failure("cannot write " + quoted(name), errno);

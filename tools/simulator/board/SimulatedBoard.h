@@ -9,7 +9,7 @@
 /** A file of a board, open for writing. */
 struct BoardFile
 {
-    FileDescriptor descriptor; /**< Not open when there is no such file yet. */
+    posix::FileDescriptor descriptor; /**< Not open when there is no such file yet. */
     std::filesystem::path name;
 };
 

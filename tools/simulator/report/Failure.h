@@ -1,11 +1,12 @@
 #ifndef TOOLS_SIMULATOR_REPORT_FAILURE_H
 #define TOOLS_SIMULATOR_REPORT_FAILURE_H
 
+#include "ErrnoText.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 /** What was asked for could not be done. */
 class Failure : public std::runtime_error
@@ -14,7 +15,7 @@ public:
     using std::runtime_error::runtime_error;
     /** A failed system call: "<what>: <text of the error>". */
     Failure(const std::string& what, int error)
-        : std::runtime_error(what + ": " + std::generic_category().message(error))
+        : std::runtime_error(what + ": " + posix::errnoText(error).c_str())
     {}
     /** A failed call that names no file has looked for the working directory. */
     explicit Failure(const std::filesystem::filesystem_error& error)

@@ -47,7 +47,7 @@ void add(Words& words, const Words& more)
     words.insert(words.end(), more.begin(), more.end());
 }
 
-void passOn(const FileDescriptor& file)
+void passOn(const posix::FileDescriptor& file)
 {
     ::fcntl(file.get(), F_SETFD, 0);
 }
@@ -68,8 +68,8 @@ Started startBubblewrap(const Launch& launch, const Signals& signals)
         throw Failure("cannot make a pipe", errno);
     }
     Started started;
-    started.reports = FileDescriptor(ends[0]);
-    const FileDescriptor writing(ends[1]);
+    started.reports = posix::FileDescriptor(ends[0]);
+    const posix::FileDescriptor writing(ends[1]);
     started.process = forkOrThrow();
     if (started.process == 0) {
         passOn(writing);
@@ -92,9 +92,9 @@ Started startProot(const Launch& launch, const Signals& signals)
         throw Failure("cannot make a pair of sockets", errno);
     }
     Started started;
-    started.reports = FileDescriptor(ends[0]);
+    started.reports = posix::FileDescriptor(ends[0]);
     started.complaints = makeScratchFile();
-    const FileDescriptor far(ends[1]);
+    const posix::FileDescriptor far(ends[1]);
     sendStandardStreams(started.reports);
     started.process = forkOrThrow();
     if (started.process == 0) {
@@ -158,7 +158,7 @@ int waitForEnd(pid_t process)
     return exitStatus(status);
 }
 
-void leaveStandardStreams(const FileDescriptor& complaints)
+void leaveStandardStreams(const posix::FileDescriptor& complaints)
 {
     const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(nothing, STDIN_FILENO);
@@ -166,16 +166,16 @@ void leaveStandardStreams(const FileDescriptor& complaints)
     ::dup2(complaints.get(), STDERR_FILENO);
 }
 
-FileDescriptor makeScratchFile()
+posix::FileDescriptor makeScratchFile()
 {
-    FileDescriptor file(::memfd_create("complaints", MFD_CLOEXEC));
+    posix::FileDescriptor file(::memfd_create("complaints", MFD_CLOEXEC));
     if (!file.isOpen()) {
         throw Failure("cannot make a file in memory", errno);
     }
     return file;
 }
 
-std::string firstLine(const FileDescriptor& scratch)
+std::string firstLine(const posix::FileDescriptor& scratch)
 {
     std::array<char, 1024> buffer{};
     const ssize_t count = ::pread(scratch.get(), buffer.data(), buffer.size(), 0);

@@ -16,9 +16,9 @@ struct Started
 {
     pid_t process = -1;
     /** Where it writes "child-pid" and "exit-code" of the command; none when it becomes that. */
-    FileDescriptor reports;
+    posix::FileDescriptor reports;
     /** What it complains of, where that is kept from standard error. */
-    FileDescriptor complaints;
+    posix::FileDescriptor complaints;
 };
 
 /** @throws Failure */
@@ -31,12 +31,12 @@ int become(const std::filesystem::path& program, const std::vector<std::string>&
 int waitForEnd(pid_t process);
 
 /** Reads nothing and writes nothing but complaints from here on, and those into this file. */
-void leaveStandardStreams(const FileDescriptor& complaints);
+void leaveStandardStreams(const posix::FileDescriptor& complaints);
 
 /** A file without a name, to be written by another process. @throws Failure */
-FileDescriptor makeScratchFile();
+posix::FileDescriptor makeScratchFile();
 
 /** The first line of such a file. */
-std::string firstLine(const FileDescriptor& scratch);
+std::string firstLine(const posix::FileDescriptor& scratch);
 
 #endif

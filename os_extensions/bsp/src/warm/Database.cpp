@@ -138,7 +138,7 @@ void WarmDatabase::memoryMapTheDatabase()
     m_mappedMemory = allocatePrivate(AreaSize);
     TRACE_MESSAGE(
         warmDatabaseTrace, trace::Error,
-        "Error during initialization of warm area, error: " << trace::errnoText(mappingError));
+        "Error during initialization of warm area, error: " << posix::errnoText(mappingError));
     assert(m_mappedMemory != nullptr);
 }
 
@@ -158,7 +158,7 @@ bool WarmDatabase::initDatabaseSemaphore()
         }
     }
     TRACE_MESSAGE(warmDatabaseTrace, trace::Error,
-                  "error in sem_open error: " << trace::errnoText(errno));
+                  "error in sem_open error: " << posix::errnoText(errno));
     return false;
 }
 
@@ -191,7 +191,7 @@ void WarmDatabase::initBlockSynchronization()
         return;
     }
     TRACE_MESSAGE(warmDatabaseTrace, trace::Error,
-                  "error in shm_open error: " << trace::errnoText(errno));
+                  "error in shm_open error: " << posix::errnoText(errno));
     m_blockSync = allocatePrivate(SyncAreaSize);
     assert(m_blockSync != nullptr);
 }

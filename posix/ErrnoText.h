@@ -1,17 +1,21 @@
-#ifndef TRACE_ERRNOTEXT_H
-#define TRACE_ERRNOTEXT_H
+#ifndef POSIX_ERRNOTEXT_H
+#define POSIX_ERRNOTEXT_H
 
 #include <array>
+#include <cstring>
 #include <string_view>
 
-namespace trace
+namespace posix
 {
 
 /** The system's text for an errno value; needs no memory. */
 class ErrnoText
 {
 public:
-    explicit ErrnoText(int error) noexcept;
+    // The GNU strerror_r need not use the room; what it returns is the text.
+    [[gnu::noinline]] explicit ErrnoText(int error) noexcept
+        : m_text(strerror_r(error, m_room.data(), m_room.size()))
+    {}
     ErrnoText(const ErrnoText&) = delete;
     ErrnoText& operator=(const ErrnoText&) = delete;
 
@@ -30,6 +34,6 @@ inline ErrnoText errnoText(int error) noexcept
     return ErrnoText(error);
 }
 
-} // namespace trace
+} // namespace posix
 
 #endif

@@ -1,9 +1,9 @@
-#ifndef TRACE_ERRNOKEEPER_H
-#define TRACE_ERRNOKEEPER_H
+#ifndef POSIX_ERRNOKEEPER_H
+#define POSIX_ERRNOKEEPER_H
 
 #include <cerrno>
 
-namespace trace
+namespace posix
 {
 
 /** Gives errno back, at the end of its scope, the value that it had at the beginning. */
@@ -21,6 +21,6 @@ private:
     const int m_errno;
 };
 
-} // namespace trace
+} // namespace posix
 
 #endif
