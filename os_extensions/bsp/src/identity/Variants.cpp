@@ -3,9 +3,11 @@
 #include "BspTrace.h"
 #include "HvxMessage.h"
 #include "NxuConfig.h"
+#include "Products.h"
 #include "identity/HardwareCode.h"
 
 #include <cstddef>
+#include <optional>
 
 namespace os::bsp
 {
@@ -68,19 +70,6 @@ constexpr Row<ControlBackplane> controlBackplanes[] = {
     {0, ControlBackplane::Pci},
     {1, ControlBackplane::Pcie},
     {2, ControlBackplane::Ethernet},
-};
-
-/** KT4754 is left out on purpose: it counts as an unknown product here. */
-constexpr Row<unsigned int> channels[] = {
-    {static_cast<int>(ProductId::KT4752), 1},   {static_cast<int>(ProductId::KT4751), 1},
-    {static_cast<int>(ProductId::VX4791), 1},   {static_cast<int>(ProductId::RG4792), 1},
-    {static_cast<int>(ProductId::NXU4A), 2},    {static_cast<int>(ProductId::NXU2001), 1},
-    {static_cast<int>(ProductId::NXU2002), 2},  {static_cast<int>(ProductId::DWB2001), 1},
-    {static_cast<int>(ProductId::DWB2002), 2},  {static_cast<int>(ProductId::KT4851_1), 2},
-    {static_cast<int>(ProductId::KT4851_2), 2}, {static_cast<int>(ProductId::KT4851_3), 1},
-    {static_cast<int>(ProductId::KT4766), 2},   {static_cast<int>(ProductId::KT4851_4), 2},
-    {static_cast<int>(ProductId::NXU2003), 1},  {static_cast<int>(ProductId::NXU2004), 2},
-    {static_cast<int>(ProductId::DWB2003), 1},
 };
 
 /** The meaning of a value; null when the table does not know it. */
@@ -187,13 +176,13 @@ unsigned int getNumberOfChannels()
 {
     constexpr unsigned int Default = 1;
     TRACE_ENTER(bspTrace);
-    const unsigned int* known = find(channels, static_cast<int>(getProductId()));
-    if (known == nullptr) {
+    const std::optional<unsigned int> known = channelsOf(getProductId());
+    if (!known) {
         // The product is asked for again, which reports an unknown product code once more.
         TRACE_MESSAGE(bspTrace, trace::Error,
                       "Unknown product id: " << static_cast<int>(getProductId()));
     }
-    const unsigned int numberOfChannels = known == nullptr ? Default : *known;
+    const unsigned int numberOfChannels = known.value_or(Default);
     TRACE_MESSAGE(bspTrace, trace::Detail, "numberOfChannels = " << numberOfChannels);
     return numberOfChannels;
 }
