@@ -2,6 +2,7 @@
 
 #include "ErrnoText.h"
 #include "GtMessage.h"
+#include "Hardware.h"
 #include "LedSteps.h"
 
 // The assertions are part of the interface: they abort in every build type.
@@ -24,10 +25,6 @@ constexpr std::array<const char*, NoOfLeds> ledNames{"yellow", "red", "green"};
 /** Also the texts that the LED driver takes. */
 constexpr std::array<const char*, NoOfLedStates> stateNames{
     "steady_off", "steady_on", "standby_hot", "standby_cold", "slow", "fast", "interrupting"};
-
-constexpr const char* StateFile = "korvanta_state";
-constexpr const char* TriggerFile = "trigger";
-constexpr const char* TriggerName = "korvanta";
 
 /** The first name that the text begins with; the table's size when there is none. */
 template <std::size_t Size>
@@ -59,7 +56,7 @@ namespace led
 bool buildPath(Path& path, const char* name, const char* file)
 {
     const int length =
-        std::snprintf(path.data(), path.size(), "%s/%s/%s", "/sys/class/leds", name, file);
+        std::snprintf(path.data(), path.size(), "%s/%s/%s", hardware::LedsDirectory, name, file);
     return length >= 0 && static_cast<std::size_t>(length) < path.size();
 }
 
@@ -67,7 +64,7 @@ int Led_open(unsigned int led, const char* name)
 {
     TRACE_PRINTF(ledTrace, trace::Entry, "%s(%d) called\n", __func__, static_cast<int>(led));
     Path ledFilename{};
-    if (!buildPath(ledFilename, name, StateFile)) {
+    if (!buildPath(ledFilename, name, hardware::LedStateFile)) {
         TRACE_PRINTF(ledTrace, trace::Error,
                      "%s(%s): Name too long. Please increase ledFilename array size.\n", __func__,
                      ledFilename.data());
@@ -96,7 +93,7 @@ int Led_enableTrigger(unsigned int led, const char* name)
 {
     TRACE_PRINTF(ledTrace, trace::Entry, "%s(%d) called\n", __func__, static_cast<int>(led));
     Path triggerFilename{};
-    if (!buildPath(triggerFilename, name, TriggerFile)) {
+    if (!buildPath(triggerFilename, name, hardware::LedTriggerFile)) {
         TRACE_PRINTF(ledTrace, trace::Error,
                      "%s(%s): Name too long. Please increase triggerFilename array size.\n",
                      __func__, triggerFilename.data());
@@ -109,7 +106,7 @@ int Led_enableTrigger(unsigned int led, const char* name)
                      __func__, posix::errnoText(errno).c_str(), triggerFilename.data());
         return -1;
     }
-    return writeAndClose(fd, TriggerName);
+    return writeAndClose(fd, hardware::LedTrigger);
 }
 
 int Led_write(int fd, const char* buf, unsigned int size)

@@ -1,6 +1,8 @@
 #include "BaseBoard.h"
 #include "BoardDirectory.h"
+#include "Entries.h"
 #include "FullRead.h"
+#include "Hardware.h"
 #include "OpenFile.h"
 
 #include <algorithm>
@@ -12,10 +14,7 @@
 namespace
 {
 
-constexpr int BaseBoardEeprom = 5;
-constexpr int HardwareCodeArea = 1;
-
-using HardwareCode = std::array<uint8_t, 8>;
+using HardwareCode = std::array<uint8_t, hardware::HardwareCodeSize>;
 
 /** Whether a file is what can be read without waiting; 0, or the errno value of what it is not. */
 int checkType(int fd)
@@ -45,11 +44,11 @@ int readCode(int fd, HardwareCode& code)
 
 int e2prom_data_read(int device, int area, uint8_t* buffer)
 {
-    if (device != BaseBoardEeprom || area != HardwareCodeArea || buffer == nullptr) {
+    if (device != hardware::BaseBoardEeprom || area != hardware::HardwareCodeArea || buffer == nullptr) {
         return EINVAL;
     }
     const posix::FileDescriptor file =
-        openFile(boarddirectory::entryPath("eeprom"), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+        openFile(boarddirectory::entryPath(boarddirectory::entry::Eeprom), O_RDONLY | O_NOCTTY | O_NONBLOCK);
     if (!file.isOpen()) {
         return errno;
     }

@@ -1,5 +1,6 @@
 #include "ConfigStore.h"
 #include "BoardDirectory.h"
+#include "Entries.h"
 #include "ConfigTrace.h"
 #include "GtMessage.h"
 #include "SettingsChange.h"
@@ -32,7 +33,7 @@ std::atomic<ConfigStore*> current{nullptr};
 /** Does the work on the store's file; its failures name the file. */
 template <typename Work> auto guarded(const char* purpose, const Work& work)
 {
-    const std::string path = boarddirectory::entryPath("settings");
+    const std::string path = boarddirectory::entryPath(boarddirectory::entry::Settings);
     try {
         return work(path);
     } catch (const std::exception& error) {

@@ -1,5 +1,6 @@
 #include "DeviceFile.h"
 #include "BoardDirectory.h"
+#include "Hardware.h"
 #include "OpenFile.h"
 
 #include <cerrno>
@@ -16,8 +17,7 @@ namespace
 /** The least size of a file in place of the device: who maps more of it is killed. */
 off_t leastSize(const std::string& name)
 {
-    constexpr off_t WarmArea = 32768;
-    return name == "top.dtcm0" ? WarmArea : 0;
+    return name == hardware::WarmAreaDevice ? off_t{hardware::WarmAreaSize} : 0;
 }
 
 /** Whether the file can be the device; 0, or the errno value of why not. */

@@ -1,6 +1,9 @@
 #ifndef TOOLS_SIMULATOR_BOARD_BOARD_H
 #define TOOLS_SIMULATOR_BOARD_BOARD_H
 
+#include "Entries.h"
+#include "Hardware.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -8,29 +11,22 @@
 /** The names in a board's directory. */
 namespace entry
 {
-constexpr const char* Eeprom = "eeprom";
-constexpr const char* Dtcm = "top.dtcm0";
-/** The system control registers; the first is the cause of the last restart. */
-constexpr const char* Registers = "top.sys_ctrl0";
-constexpr const char* Store = "settings";
-/** What a program on the board sees as /dev/shm. */
-constexpr const char* SharedMemory = "shm";
-/** What a program on the board sees as /tmp. */
-constexpr const char* TemporaryFiles = "tmp";
-/** The mark in /tmp that a board's start-up leaves after a cold restart. */
-constexpr const char* ColdMarker = "restart_cold";
-/** What a program on the board sees as /sys/class/leds. */
-constexpr const char* Leds = "leds";
-constexpr const char* LedTrigger = "trigger";
-constexpr const char* LedState = "korvanta_state";
+using namespace boarddirectory::entry;
+constexpr const char* Dtcm = hardware::WarmAreaDevice;
+constexpr const char* Registers = hardware::RegistersDevice;
+/** Among the temporary files. */
+inline std::string coldMarker()
+{
+    return std::filesystem::path(hardware::ColdRestartMarker).filename();
+}
 } // namespace entry
 
 /** A board directory: where each of its entries is. */
 class Board
 {
 public:
-    static constexpr std::size_t EepromSize = 8;
-    static constexpr std::size_t DtcmSize = 32768;
+    static constexpr std::size_t EepromSize = hardware::HardwareCodeSize;
+    static constexpr std::size_t DtcmSize = hardware::WarmAreaSize;
     static constexpr std::size_t RegistersSize = 4096;
 
     /** The board in a directory, which must exist. @throws Failure */
@@ -42,14 +38,14 @@ public:
     std::filesystem::path eeprom() const { return m_directory / entry::Eeprom; }
     std::filesystem::path dtcm() const { return m_directory / entry::Dtcm; }
     std::filesystem::path registers() const { return m_directory / entry::Registers; }
-    std::filesystem::path store() const { return m_directory / entry::Store; }
+    std::filesystem::path store() const { return m_directory / entry::Settings; }
     std::filesystem::path sharedMemory() const { return m_directory / entry::SharedMemory; }
     std::filesystem::path temporaryFiles() const { return m_directory / entry::TemporaryFiles; }
-    std::filesystem::path coldMarker() const { return temporaryFiles() / entry::ColdMarker; }
+    std::filesystem::path coldMarker() const { return temporaryFiles() / entry::coldMarker(); }
     std::filesystem::path leds() const { return m_directory / entry::Leds; }
     std::filesystem::path ledState(const std::string& led) const
     {
-        return leds() / led / entry::LedState;
+        return leds() / led / hardware::LedStateFile;
     }
 
 private:

@@ -45,7 +45,7 @@ Directory openBoard(const fs::path& board, OtherUsers others)
 void requireBoard(const Directory& directory)
 {
     const std::initializer_list<const char*> marks{entry::Eeprom, entry::Dtcm, entry::Registers,
-                                                   entry::Store};
+                                                   entry::Settings};
     if (std::none_of(marks.begin(), marks.end(),
                      [&](const char* mark) { return directory.status(mark).has_value(); }))
     {

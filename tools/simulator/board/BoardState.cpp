@@ -19,8 +19,11 @@ namespace
 
 using os::bsp::ResetType;
 
-// As the kernel shows an LED whose trigger has been chosen, and what a reset leaves on it.
-constexpr const char* LedTrigger = "none [korvanta]\n";
+/** As the kernel shows an LED's triggers when the one with the state has been chosen. */
+std::string chosenLedTrigger()
+{
+    return std::string("none [") + hardware::LedTrigger + "]\n";
+}
 
 std::string randomBytes(std::size_t size)
 {
@@ -58,8 +61,8 @@ void resetLed(const Directory& leds, BoardLed& led)
     if (!led.directory) {
         led.directory = leds.make(led.name);
     }
-    replaceOrCreate(*led.directory, entry::LedTrigger, led.trigger, LedTrigger);
-    replaceOrCreate(*led.directory, entry::LedState, led.state,
+    replaceOrCreate(*led.directory, hardware::LedTriggerFile, led.trigger, chosenLedTrigger());
+    replaceOrCreate(*led.directory, hardware::LedStateFile, led.state,
                     std::string(Led_stateObjectToStateName(Led_SteadyOff)) + '\n');
 }
 
@@ -86,7 +89,7 @@ void emptyOrMake(const Directory& board, const char* entry, std::optional<Direct
 void startUp(const SimulatedBoard& parts, ResetType cause)
 {
     if (cause == ResetType::Cold) {
-        parts.temporaryFiles->createFile(entry::ColdMarker, "");
+        parts.temporaryFiles->createFile(entry::coldMarker(), "");
     }
 }
 

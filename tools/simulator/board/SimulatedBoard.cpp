@@ -82,8 +82,8 @@ BoardLed findLed(const std::optional<Directory>& leds, const std::string& name)
 {
     BoardLed led{name, leds ? findPart(*leds, name) : std::nullopt, {}, {}};
     if (led.directory) {
-        led.trigger = findFile(*led.directory, entry::LedTrigger, 0);
-        led.state = findFile(*led.directory, entry::LedState, 0);
+        led.trigger = findFile(*led.directory, hardware::LedTriggerFile, 0);
+        led.state = findFile(*led.directory, hardware::LedStateFile, 0);
     }
     return led;
 }

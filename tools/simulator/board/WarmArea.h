@@ -1,6 +1,8 @@
 #ifndef TOOLS_SIMULATOR_BOARD_WARMAREA_H
 #define TOOLS_SIMULATOR_BOARD_WARMAREA_H
 
+#include "WarmLayout.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,8 +13,8 @@
 class WarmArea
 {
 public:
-    static constexpr std::size_t BlockSize = 1024;
-    static constexpr std::size_t NameSize = 16;
+    static constexpr std::size_t BlockSize = sizeof(os::bsp::dtcm::Block);
+    static constexpr std::size_t NameSize = os::bsp::dtcm::NameSize;
 
     struct Block
     {
@@ -41,7 +43,7 @@ public:
     bool isWritten() const;
 
     /** The slot id, when there is the object that keeps it. */
-    std::optional<std::int32_t> slotId() const;
+    std::optional<os::bsp::dtcm::SlotId> slotId() const;
 
 private:
     Block block(std::size_t index) const;

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 
+#include "Hardware.h"
 #include "Products.h"
 #include "board/BoardState.h"
 #include "board/HardwareCode.h"
@@ -14,14 +15,11 @@ namespace
 
 using os::bsp::hwVariants;
 
-/** What software takes a board for whose EEPROM cannot be read. */
-constexpr const char* DefaultVariant = "14";
-
 struct CreateArguments
 {
     std::string directory;
     std::string product;
-    std::string variant = DefaultVariant;
+    std::string variant = std::to_string(hardware::DefaultVariant);
     std::string code;
 };
 

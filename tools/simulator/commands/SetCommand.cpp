@@ -2,6 +2,7 @@
 
 #include "Bsp.h"
 #include "NxuConfig.h"
+#include "WarmLayout.h"
 #include "board/Board.h"
 #include "board/BoardAccess.h"
 #include "report/Failure.h"
@@ -105,8 +106,7 @@ Directory openBoardToSet(const SetArguments& options, Use use)
 /** The slot id is in memory that programs share, so a program on the board sets it. */
 int setSlotId(const SetArguments& options)
 {
-    constexpr int notSet = -1;
-    const int slotId = options.clear ? notSet : parsedSlotId(options.value);
+    const int slotId = options.clear ? os::bsp::dtcm::SlotIdNotSet : parsedSlotId(options.value);
     // Like any program on the board it may have to wait there; only a restart would disturb it.
     const Directory board = openBoardToSet(options, Use::Shared);
     const int status = runOnBoard(Board::at(board.name()),

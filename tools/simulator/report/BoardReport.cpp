@@ -179,9 +179,9 @@ bool countsAsCold(const Board& board)
 /** Whether the area holds what power-up left there, and the first program will clear it. */
 bool isNotClearedYet(const WarmArea& area, const Board& board)
 {
-    // While a program uses the area there is its semaphore.
-    return !area.isWritten() && !isThere(board.sharedMemory() / "sem.DtcmDbSharedSem") &&
-           countsAsCold(board);
+    // While a program uses the area there is its semaphore, which has no '/' in its file's name.
+    const std::string semaphore = std::string("sem.") + (os::bsp::dtcm::SemaphoreName + 1);
+    return !area.isWritten() && !isThere(board.sharedMemory() / semaphore) && countsAsCold(board);
 }
 
 void reportWarmArea(std::ostream& out, const Board& board, bool dump)

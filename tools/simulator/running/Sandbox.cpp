@@ -1,5 +1,6 @@
 #include "running/Sandbox.h"
 
+#include "Hardware.h"
 #include "board/BoardAccess.h"
 #include "report/Failure.h"
 
@@ -15,7 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* SharedMemory = "/dev/shm";
 constexpr const char* TemporaryFiles = "/tmp";
-constexpr const char* Leds = "/sys/class/leds";
 
 /** Path of something below a directory, from there; empty for the directory and all else. */
 fs::path below(const fs::path& directory, const fs::path& path)
@@ -34,7 +34,7 @@ void add(Words& words, std::initializer_list<std::string> more)
 /** Not every machine has LEDs, and nobody can make directories in the kernel's own. */
 void addLeds(Words& words, const fs::path& own)
 {
-    const fs::path place = Leds;
+    const fs::path place = hardware::LedsDirectory;
     if (!fs::is_directory(place)) {
         const fs::path classes = place.parent_path();
         const fs::path system = classes.parent_path();
@@ -230,7 +230,7 @@ Words Sandbox::wordsForProot() const
     for (const Replacement& replacement : m_replacements) {
         bind(replacement.own, replacement.place.string());
     }
-    bind(m_leds, Leds);
+    bind(m_leds, hardware::LedsDirectory);
     for (const std::vector<fs::path>* paths : {&m_visible, &m_shown}) {
         for (const fs::path& path : *paths) {
             add(words, {"-b", forProot(path)});

@@ -3,6 +3,7 @@
 #include "BaseBoard.h"
 #include "Bsp.h"
 #include "BspTrace.h"
+#include "Hardware.h"
 #include "HvxMessage.h"
 #include "Products.h"
 
@@ -14,28 +15,17 @@
 namespace os::bsp
 {
 
-namespace
-{
-
-constexpr std::size_t DefaultVariant = 14;
-constexpr std::size_t FallbackVariant = 0;
-
-constexpr int BaseBoardEeprom = 5;
-constexpr int HwCodeArea = 1;
-
-} // namespace
-
 // The defaults are copied at the first call, not while the program starts: the platform's table may
 // be initialised later than this module, and other modules may ask while they are initialised.
 
 const NxuHwCode& hwCode()
 {
-    static NxuHwCode code = hwVariants[DefaultVariant].code;
+    static NxuHwCode code = hwVariants[hardware::DefaultVariant].code;
     static std::once_flag once;
     std::call_once(once, [] {
         // A failing read may have written some bytes, so it does not get the code itself.
-        std::array<std::uint8_t, 8> buffer{};
-        const int result = e2prom_data_read(BaseBoardEeprom, HwCodeArea, buffer.data());
+        std::array<std::uint8_t, hardware::HardwareCodeSize> buffer{};
+        const int result = e2prom_data_read(hardware::BaseBoardEeprom, hardware::HardwareCodeArea, buffer.data());
         if (result != 0) {
             TRACE_MESSAGE(bspTrace, trace::Error, "e2prom_data_read() failed. Returned " << result);
             return;
@@ -47,7 +37,7 @@ const NxuHwCode& hwCode()
 
 const NxuHwVariant& selectedVariant()
 {
-    static const NxuHwVariant* variant = &hwVariants[DefaultVariant];
+    static const NxuHwVariant* variant = &hwVariants[hardware::DefaultVariant];
     static std::once_flag once;
     std::call_once(once, [] {
         // The platform's operator== decides, which need not compare all words.
@@ -57,7 +47,7 @@ const NxuHwVariant& selectedVariant()
             return;
         }
         TRACE_MESSAGE(bspTrace, trace::Error, "Invalid hardware variant");
-        variant = &hwVariants[FallbackVariant];
+        variant = &hwVariants[hardware::FallbackVariant];
     });
     return *variant;
 }

@@ -28,8 +28,6 @@ HvxTrace warmDatabaseTrace("Bsp.WarmDatabase", trace::Notice);
 namespace
 {
 
-constexpr const char* DeviceName = "top.dtcm0";
-constexpr const char* SemaphoreName = "/DtcmDbSharedSem";
 constexpr const char* SyncAreaName = "/DtcmSync";
 constexpr mode_t SharedMode = 0666;
 
@@ -121,7 +119,7 @@ WarmDatabase::~WarmDatabase()
 
 void WarmDatabase::memoryMapTheDatabase()
 {
-    const int device = DDevIo_open(DeviceName);
+    const int device = DDevIo_open(hardware::WarmAreaDevice);
     if (device < 0) {
         m_mappedMemory = allocatePrivate(AreaSize);
         TRACE_MESSAGE(warmDatabaseTrace, trace::Error, "Error during initialization of warm area");

@@ -1,6 +1,7 @@
 #include "Bsp.h"
 #include "ConstantNames.h"
 #include "DDevIo.h"
+#include "Hardware.h"
 
 #include <atomic>
 #include <memory>
@@ -13,10 +14,7 @@ namespace os::bsp
 namespace
 {
 
-constexpr const char* ControlDevice = "top.sys_ctrl0";
-constexpr std::size_t ResetCauseOffset = 0;
 constexpr int DefaultMutexType = 0;
-constexpr const char* ColdRestartMarker = "/tmp/restart_cold";
 
 constexpr ConstantName resetTypes[] = {BSP_RESET_TYPE_ROWS(BSP_NAME_ROW, ResetType)
                                            BSP_NAME_ROW(ResetType, EndOfList)};
@@ -28,13 +26,13 @@ std::atomic<ResetType> cachedResetType{ResetType::Unknown};
 ResetType readResetCause()
 {
     const std::unique_ptr<DDevIo::IDevice> device = DDevIo::Factory::getInstance().createUnique(
-        ControlDevice, std::make_unique<DDevIo::PthreadMutex>(DefaultMutexType));
+        hardware::RegistersDevice, std::make_unique<DDevIo::PthreadMutex>(DefaultMutexType));
     auto* registers = dynamic_cast<DDevIo::Device<unsigned int>*>(device.get());
     if (registers == nullptr) {
         return ResetType::Unknown;
     }
     auto word = static_cast<unsigned int>(ResetType::Unknown);
-    registers->read(ResetCauseOffset, word);
+    registers->read(hardware::ResetCauseOffset, word);
     return static_cast<ResetType>(word);
 }
 
@@ -42,7 +40,7 @@ ResetType readResetCause()
 ResetType deduceResetCause()
 {
     const bool warm =
-        getProductId() == ProductId::KT4851_4 && ::access(ColdRestartMarker, F_OK) == -1;
+        getProductId() == ProductId::KT4851_4 && ::access(hardware::ColdRestartMarker, F_OK) == -1;
     return warm ? ResetType::Warm : ResetType::Cold;
 }
 

@@ -2,6 +2,7 @@
 
 #include "HvxMessage.h"
 #include "WarmDatabase.h"
+#include "WarmLayout.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,15 +19,15 @@ namespace
 
 HvxTrace slotTrace("bsp.networking", trace::Notice);
 
-constexpr const char* ObjectName = "SLOT";
-constexpr std::int32_t NotSet = -1;
+using dtcm::SlotIdNotSet;
+using dtcm::SlotObject;
 
 } // namespace
 
 /** The object in the warm area. */
 struct WarmSlot::SlotData
 {
-    std::int32_t slotId;
+    dtcm::SlotId slotId;
     pthread_mutex_t mutex;
 
     /** The mutex under the interface through which it is locked. */
@@ -35,7 +36,7 @@ struct WarmSlot::SlotData
     /** Gives a new object, all 0, its contents. */
     void initialize()
     {
-        slotId = NotSet;
+        slotId = SlotIdNotSet;
         pthread_mutexattr_t attributes;
         ::pthread_mutexattr_init(&attributes);
         ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
@@ -59,18 +60,18 @@ WarmSlot::WarmSlot()
         std::mutex* sync = nullptr;
         bool created = false;
         const bool obtained = dtcm::WarmDatabase::getInstance().getObjectData(
-            ObjectName, &object, sizeof(SlotData), &sync, created);
+            SlotObject, &object, sizeof(SlotData), &sync, created);
         m_slotData = static_cast<SlotData*>(object);
         // The block's mutex is not used: the object has one of its own.
         m_isValid = obtained && m_slotData != nullptr && sync != nullptr;
         if (!m_isValid) {
             TRACE_MESSAGE(slotTrace, trace::Error,
-                          "Error: Could not get the " << ObjectName
+                          "Error: Could not get the " << SlotObject
                                                       << " object from the warm database");
             return;
         }
         TRACE_MESSAGE(slotTrace, trace::Information,
-                      "The " << ObjectName
+                      "The " << SlotObject
                              << " object was successfully retrieved from the warm database");
         if (!created) {
             TRACE_MESSAGE(slotTrace, trace::Information,
@@ -78,7 +79,7 @@ WarmSlot::WarmSlot()
             return;
         }
         TRACE_MESSAGE(slotTrace, trace::Information,
-                      "The " << ObjectName
+                      "The " << SlotObject
                              << " object was created, initializing the object contents");
         m_slotData->initialize();
     } catch (const std::exception& exception) {
@@ -94,7 +95,7 @@ WarmSlot::WarmSlot()
 int WarmSlot::get() const
 {
     if (!m_isValid) {
-        return NotSet;
+        return SlotIdNotSet;
     }
     const std::lock_guard<std::mutex> guard(m_slotData->lockable());
     TRACE_MESSAGE(slotTrace, trace::Entry, "SlotId is: " << m_slotData->slotId);

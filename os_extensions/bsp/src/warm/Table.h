@@ -2,6 +2,7 @@
 #define BSP_SRC_WARM_TABLE_H
 
 #include "HvxMessage.h"
+#include "WarmLayout.h"
 
 #include <array>
 #include <cstddef>
@@ -18,26 +19,6 @@ namespace os::bsp::dtcm
 
 /** Channel "Bsp.WarmDatabase". */
 extern HvxTrace warmDatabaseTrace;
-
-constexpr unsigned int NumberOfBlocks = 32;
-constexpr std::size_t MaxNameLength = 15;
-constexpr std::size_t MaxObjectSize = 1008;
-
-constexpr std::size_t NameSize = MaxNameLength + 1;
-
-/** A block of the warm area. It is free while the first byte of its name is 0. */
-struct Block
-{
-    unsigned char name[NameSize]; /**< NUL-terminated, unless the area was never cleared. */
-    unsigned char data[MaxObjectSize];
-};
-
-static_assert(sizeof(Block::name) == 16, "16 bytes of name");
-static_assert(offsetof(Block, data) == 16 && sizeof(Block::data) == 1008, "1008 bytes of data");
-static_assert(sizeof(Block) == 1024, "blocks follow each other without a gap");
-
-constexpr std::size_t AreaSize = NumberOfBlocks * sizeof(Block);
-static_assert(AreaSize == 32768, "the warm area fills the DTCM");
 
 /** The block-synchronisation area holds one mutex for each block. */
 constexpr std::size_t SyncSlotSize = sizeof(pthread_mutex_t);
