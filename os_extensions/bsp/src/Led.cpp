@@ -20,21 +20,51 @@ namespace
 
 GT_TraceRecord ledTrace{TraceRecordStartLevel, "bsp.led"};
 
-constexpr std::array<const char*, NoOfLeds> ledNames{"yellow", "red", "green"};
+struct Name
+{
+    unsigned int number;
+    const char* text;
+};
+
+constexpr Name ledNames[] = {
+    {Led_Yellow, "yellow"},
+    {Led_Red, "red"},
+    {Led_Green, "green"},
+};
 
 /** Also the texts that the LED driver takes. */
-constexpr std::array<const char*, NoOfLedStates> stateNames{
-    "steady_off", "steady_on", "standby_hot", "standby_cold", "slow", "fast", "interrupting"};
+constexpr Name stateNames[] = {
+    {Led_SteadyOff, "steady_off"},
+    {Led_SteadyOn, "steady_on"},
+    {Led_StandbyHot, "standby_hot"},
+    {Led_StandbyCold, "standby_cold"},
+    {Led_Slow, "slow"},
+    {Led_Fast, "fast"},
+    {Led_Interrupting, "interrupting"},
+};
+
+/** Whether there is a row with a text for each number, in their order. */
+template <std::size_t Size> constexpr bool isComplete(const Name (&names)[Size], std::size_t count)
+{
+    for (std::size_t i = 0; i < Size; ++i) {
+        if (names[i].number != i || names[i].text == nullptr) {
+            return false;
+        }
+    }
+    return Size == count;
+}
+static_assert(isComplete(ledNames, NoOfLeds), "a name for each Led_Object, in their order");
+static_assert(isComplete(stateNames, NoOfLedStates), "a name for each Led_State, in their order");
 
 /** The first name that the text begins with; the table's size when there is none. */
-template <std::size_t Size>
-unsigned int findName(const std::array<const char*, Size>& names, const char* text)
+template <std::size_t Size> unsigned int findName(const Name (&names)[Size], const char* text)
 {
-    unsigned int number = 0;
-    while (number < Size && std::strncmp(text, names[number], std::strlen(names[number])) != 0) {
-        ++number;
+    for (const Name& name : names) {
+        if (std::strncmp(text, name.text, std::strlen(name.text)) == 0) {
+            return name.number;
+        }
     }
-    return number;
+    return Size;
 }
 
 /** Writes the text and closes the descriptor in any case. Returns 0, or -1 with errno set. */
@@ -155,8 +185,8 @@ int Led_setState(unsigned int led, unsigned int state)
                  static_cast<int>(state));
     assert(led < NoOfLeds);
     assert(state < NoOfLedStates);
-    const int fd = led::Led_open(led, ledNames[led]);
-    return fd == -1 ? -1 : writeAndClose(fd, stateNames[state]);
+    const int fd = led::Led_open(led, ledNames[led].text);
+    return fd == -1 ? -1 : writeAndClose(fd, stateNames[state].text);
 }
 
 unsigned int Led_nameToObject(const char* name)
@@ -170,7 +200,7 @@ const char* Led_objectToName(unsigned int led)
 {
     TRACE_PRINTF(ledTrace, trace::Entry, "%s(%d) called\n", __func__, static_cast<int>(led));
     assert(led < NoOfLeds);
-    return ledNames[led];
+    return ledNames[led].text;
 }
 
 unsigned int Led_stateNameToStateObject(const char* name)
@@ -184,5 +214,5 @@ const char* Led_stateObjectToStateName(unsigned int state)
 {
     TRACE_PRINTF(ledTrace, trace::Entry, "%s(%d) called\n", __func__, static_cast<int>(state));
     assert(state < NoOfLedStates);
-    return stateNames[state];
+    return stateNames[state].text;
 }
