@@ -14,6 +14,8 @@ namespace os
 namespace bsp
 {
 
+template <typename Value> struct WarmObject;
+
 /**
  * The slot id in the store of warm objects (WarmDatabase.h).
  *
@@ -39,9 +41,7 @@ public:
     void set(const int& slotId);
 
 private:
-    struct SlotData;
-
-    SlotData* m_slotData = nullptr;
+    WarmObject<int>* m_slotData = nullptr;
     bool m_isValid = false;
 };
 

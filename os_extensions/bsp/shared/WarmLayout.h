@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include <pthread.h>
+
 namespace os::bsp::dtcm
 {
 
@@ -37,10 +39,27 @@ static_assert(sizeof(Block) == 1024, "blocks follow each other without a gap");
 constexpr std::size_t AreaSize = NumberOfBlocks * sizeof(Block);
 static_assert(AreaSize == hardware::WarmAreaSize, "the blocks fill the area");
 
-/** The object with the slot id, and what is in it first. */
-constexpr const char* SlotObject = "SLOT";
-using SlotId = std::int32_t;
-constexpr SlotId SlotIdNotSet = -1;
+/** Memory with a mutex for each block. */
+constexpr const char* SyncAreaName = "/DtcmSync";
+constexpr std::size_t SyncSlotSize = sizeof(pthread_mutex_t);
+constexpr std::size_t SyncAreaSize = NumberOfBlocks * SyncSlotSize;
+
+/** The object with the slot id. */
+constexpr const char* SlotObjectName = "SLOT";
+
+struct SlotObject
+{
+    std::int32_t slotId;
+    pthread_mutex_t mutex; /**< Of all processes, around the slot id. */
+};
+
+constexpr std::int32_t SlotIdNotSet = -1;
+
+#if defined(__arm__)
+static_assert(SyncSlotSize == 24 && SyncAreaSize == 768 && sizeof(SlotObject) == 28 &&
+                  offsetof(SlotObject, mutex) == 4,
+              "as all programs of the board have it");
+#endif
 
 } // namespace os::bsp::dtcm
 

@@ -66,7 +66,7 @@ bool WarmArea::isWritten() const
     return isTable() || hasPlainName() || hasManyZeros();
 }
 
-std::optional<os::bsp::dtcm::SlotId> WarmArea::slotId() const
+std::optional<std::int32_t> WarmArea::slotId() const
 {
     // Programs look for an object up to the first free block.
     for (std::size_t index = 0; index < numberOfBlocks(); ++index) {
@@ -74,8 +74,8 @@ std::optional<os::bsp::dtcm::SlotId> WarmArea::slotId() const
         if (candidate.name.empty()) {
             return std::nullopt;
         }
-        if (candidate.name == os::bsp::dtcm::SlotObject) {
-            os::bsp::dtcm::SlotId slotId = 0;
+        if (candidate.name == os::bsp::dtcm::SlotObjectName) {
+            std::int32_t slotId = 0;
             std::copy_n(candidate.bytes.data() + NameSize, sizeof slotId,
                         reinterpret_cast<char*>(&slotId));
             return slotId;

@@ -43,7 +43,7 @@ public:
     bool isWritten() const;
 
     /** The slot id, when there is the object that keeps it. */
-    std::optional<os::bsp::dtcm::SlotId> slotId() const;
+    std::optional<std::int32_t> slotId() const;
 
 private:
     Block block(std::size_t index) const;

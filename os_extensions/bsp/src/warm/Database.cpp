@@ -6,6 +6,7 @@
 #include "Bsp.h"
 #include "DDevIo.h"
 #include "ErrnoText.h"
+#include "warm/SharedMutex.h"
 #include "warm/Table.h"
 
 #include <cassert>
@@ -15,7 +16,6 @@
 #include <exception>
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,7 +28,6 @@ HvxTrace warmDatabaseTrace("Bsp.WarmDatabase", trace::Notice);
 namespace
 {
 
-constexpr const char* SyncAreaName = "/DtcmSync";
 constexpr mode_t SharedMode = 0666;
 
 /** Memory of this process alone, all 0; null when there is none. */
@@ -63,14 +62,9 @@ int openSyncArea(int flags, mode_t mode)
 
 void initSyncSlots(unsigned char* slots)
 {
-    pthread_mutexattr_t attributes;
-    ::pthread_mutexattr_init(&attributes);
-    ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
     for (unsigned int i = 0; i < NumberOfBlocks; ++i) {
-        ::pthread_mutex_init(reinterpret_cast<pthread_mutex_t*>(slots + i * SyncSlotSize),
-                             &attributes);
+        initSharedMutex(*reinterpret_cast<pthread_mutex_t*>(slots + i * SyncSlotSize));
     }
-    ::pthread_mutexattr_destroy(&attributes);
 }
 
 } // namespace

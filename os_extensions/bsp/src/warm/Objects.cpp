@@ -1,5 +1,6 @@
 #include "WarmDatabase.h"
 
+#include "warm/SharedMutex.h"
 #include "warm/Table.h"
 
 #include <cerrno>
@@ -34,7 +35,9 @@ bool fits(const std::string& name, unsigned int objectSize)
 
 std::mutex* syncSlot(unsigned char* slots, unsigned int index)
 {
-    return slots == nullptr ? nullptr : reinterpret_cast<std::mutex*>(slots + index * SyncSlotSize);
+    return slots == nullptr
+               ? nullptr
+               : &lockable(*reinterpret_cast<pthread_mutex_t*>(slots + index * SyncSlotSize));
 }
 
 /**

@@ -20,19 +20,6 @@ namespace os::bsp::dtcm
 /** Channel "Bsp.WarmDatabase". */
 extern HvxTrace warmDatabaseTrace;
 
-/** The block-synchronisation area holds one mutex for each block. */
-constexpr std::size_t SyncSlotSize = sizeof(pthread_mutex_t);
-constexpr std::size_t SyncAreaSize = NumberOfBlocks * SyncSlotSize;
-
-#if defined(__arm__)
-static_assert(SyncSlotSize == 24 && SyncAreaSize == 768, "as all programs of the board have it");
-#endif
-
-// Callers lock the process-shared mutexes through the interface of std::mutex.
-static_assert(sizeof(std::mutex) == sizeof(pthread_mutex_t) &&
-                  alignof(std::mutex) == alignof(pthread_mutex_t),
-              "a std::mutex is a pthread_mutex_t and nothing else");
-
 /** Where a scan of the table ended. */
 struct ScanResult
 {
