@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <filesystem>
 #include <sstream>
@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 /** What bash offers for a command line that begins with bsp-board. */
-class Completion : public BoardToolTest
+class Completion : public SimulatorTest
 {
 protected:
     void SetUp() override

@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 #include "Traced.h"
 
 #include <csignal>
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 using testing::AnyOf;
 using testing::ElementsAre;
 
-class CreateKilled : public BoardToolTest
+class CreateKilled : public SimulatorTest
 {
 protected:
     void SetUp() override
@@ -63,7 +63,7 @@ TEST_F(CreateKilled, LeavesNothingThatTheNextOneDoesNotTakeAway)
     });
 }
 
-TEST_F(BoardToolTest, CreateTakesNoOthersDraftAway)
+TEST_F(SimulatorTest, CreateTakesNoOthersDraftAway)
 {
     for (const char* name : {".bsp-board-held", ".bsp-board-dead"}) {
         fs::create_directory(file(name));
@@ -80,7 +80,7 @@ TEST_F(BoardToolTest, CreateTakesNoOthersDraftAway)
     ::close(draft);
 }
 
-TEST_F(BoardToolTest, CreateTakesNothingAwayWhereOthersGiveTheNames)
+TEST_F(SimulatorTest, CreateTakesNothingAwayWhereOthersGiveTheNames)
 {
     fs::create_directory(file("shared"));
     fs::create_directory(file("shared/.bsp-board-mine"));

@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include "NxuHwVariant.h"
 
@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 constexpr const char* Hint = "\nTry 'bsp-board create --help'.\n";
 
-class Create : public BoardToolTest
+class Create : public SimulatorTest
 {
 protected:
     mode_t mode(const std::string& name) const

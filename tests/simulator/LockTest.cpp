@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <chrono>
 #include <filesystem>
@@ -14,7 +14,7 @@ namespace
 
 using testing::Contains;
 
-class BoardLock : public BoardToolTest
+class BoardLock : public SimulatorTest
 {
 protected:
     void SetUp() override

@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <filesystem>
 
@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 constexpr uid_t Other = 65534;
 
 /** Root comes to boards that other users can change, or not. */
-class OtherUsers : public BoardToolTest
+class OtherUsers : public SimulatorTest
 {
 protected:
     void SetUp() override

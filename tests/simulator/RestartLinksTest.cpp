@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 #include "Traced.h"
 
 #include <filesystem>
@@ -23,7 +23,7 @@ void PrintTo(const Case& parameter, std::ostream* stream)
 }
 
 /** While a board restarts, something of it is replaced by a link to what must not be touched. */
-class RestartLinks : public BoardToolTest, public testing::WithParamInterface<Case>
+class RestartLinks : public SimulatorTest, public testing::WithParamInterface<Case>
 {
 protected:
     void SetUp() override
@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(Of, RestartLinks,
                                          Case{"Marker", "b/tmp/restart_cold", "keep/file"}),
                          [](const auto& each) { return std::string(each.param.name); });
 
-TEST_F(BoardToolTest, RestartWritesThroughNoSecondName)
+TEST_F(SimulatorTest, RestartWritesThroughNoSecondName)
 {
     expectQuiet({"create", "b"});
     write("keep", std::string(32768, 'k'));

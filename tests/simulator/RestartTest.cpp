@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <filesystem>
 
@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /** A board with traces of use everywhere. */
-class Restart : public BoardToolTest
+class Restart : public SimulatorTest
 {
 protected:
     void SetUp() override

@@ -1,7 +1,7 @@
-#ifndef TESTS_BOARDTOOL_RUNTESTBASE_H
-#define TESTS_BOARDTOOL_RUNTESTBASE_H
+#ifndef TESTS_SIMULATOR_RUNTESTBASE_H
+#define TESTS_SIMULATOR_RUNTESTBASE_H
 
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <chrono>
 #include <filesystem>
@@ -9,7 +9,7 @@
 
 /** Runs commands on a board "b", isolated as the parameter says: with that word of `run`, if any.
  */
-class RunTest : public BoardToolTest, public testing::WithParamInterface<std::string>
+class RunTest : public SimulatorTest, public testing::WithParamInterface<std::string>
 {
 protected:
     void SetUp() override
@@ -27,7 +27,7 @@ protected:
         if (!words.empty() && words.front() == "run" && !GetParam().empty()) {
             words.insert(words.begin() + 1, GetParam());
         }
-        testsupport::Program program = BoardToolTest::boardTool(std::move(words));
+        testsupport::Program program = SimulatorTest::boardTool(std::move(words));
         // The search for leaks traces, as proot does, and only one can.
         program.environment["ASAN_OPTIONS"] = "detect_leaks=0";
         return program;

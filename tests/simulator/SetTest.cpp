@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <chrono>
 #include <filesystem>
@@ -19,7 +19,7 @@ using testing::Not;
 constexpr const char* SetHint = "\nTry 'bsp-board set --help'.\n";
 
 /** Sets what a program would set, on board "b". */
-class Set : public BoardToolTest
+class Set : public SimulatorTest
 {
 protected:
     void SetUp() override { expectQuiet({"create", "b", "--product", "NXU4A"}); }

@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include "NxuConfig.h"
 
@@ -17,7 +17,7 @@ using testing::Not;
 using testing::StartsWith;
 using testsupport::Outcome;
 
-class Show : public BoardToolTest
+class Show : public SimulatorTest
 {
 protected:
     void SetUp() override

@@ -18,7 +18,7 @@ void PrintTo(const Case& parameter, std::ostream* stream)
 }
 
 /** A program on the board sets the slot id, another one asks for it after a restart. */
-class Slot : public BoardToolTest, public testing::WithParamInterface<Case>
+class Slot : public SimulatorTest, public testing::WithParamInterface<Case>
 {
 protected:
     std::string slot(const Words& arguments = {}) const

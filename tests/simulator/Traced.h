@@ -2,8 +2,8 @@
  * @file
  * @brief Stops a program at its N-th system call, to do something at that very moment.
  */
-#ifndef TESTS_BOARDTOOL_TRACED_H
-#define TESTS_BOARDTOOL_TRACED_H
+#ifndef TESTS_SIMULATOR_TRACED_H
+#define TESTS_SIMULATOR_TRACED_H
 
 #include "Program.h"
 

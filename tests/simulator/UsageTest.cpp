@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -11,7 +11,7 @@ namespace
 using testing::HasSubstr;
 using testsupport::Outcome;
 
-class Usage : public BoardToolTest
+class Usage : public SimulatorTest
 {};
 
 TEST_F(Usage, WantsACommand)

@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include "NxuHwVariant.h"
 
@@ -12,7 +12,7 @@ namespace
 using os::bsp::hwVariants;
 using os::bsp::NxuHwVariant;
 
-class Variants : public BoardToolTest
+class Variants : public SimulatorTest
 {};
 
 std::string lineOf(std::size_t index, const NxuHwVariant& variant)

@@ -1,4 +1,4 @@
-#include "FakeBoardTool.h"
+#include "BspTool.h"
 
 #include <csignal>
 #include <sstream>
@@ -7,11 +7,11 @@
 namespace
 {
 
-using fakeboardtool::bsp;
-using fakeboardtool::Environment;
-using fakeboardtool::expectAnswer;
-using fakeboardtool::expectError;
-using fakeboardtool::expectSilence;
+using bsptool::bsp;
+using bsptool::Environment;
+using bsptool::expectAnswer;
+using bsptool::expectError;
+using bsptool::expectSilence;
 using testsupport::Outcome;
 
 /** Environment of a board whose hardware code has one word that is not 0. */

@@ -1,4 +1,4 @@
-#include "FakeBoardTool.h"
+#include "BspTool.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 namespace
 {
 
-using fakeboardtool::bsp;
+using bsptool::bsp;
 using testsupport::Outcome;
 using testsupport::Program;
 

@@ -1,4 +1,4 @@
-#include "FakeBoardTool.h"
+#include "BspTool.h"
 #include "Files.h"
 #include "TemporaryDirectory.h"
 
@@ -7,9 +7,9 @@
 namespace
 {
 
-using fakeboardtool::bsp;
-using fakeboardtool::expectError;
-using fakeboardtool::expectSilence;
+using bsptool::bsp;
+using bsptool::expectError;
+using bsptool::expectSilence;
 using testsupport::Outcome;
 
 class Setting : public testing::Test

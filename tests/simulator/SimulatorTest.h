@@ -1,5 +1,5 @@
-#ifndef TESTS_BOARDTOOL_BOARDTOOLTEST_H
-#define TESTS_BOARDTOOL_BOARDTOOLTEST_H
+#ifndef TESTS_SIMULATOR_SIMULATORTEST_H
+#define TESTS_SIMULATOR_SIMULATORTEST_H
 
 #include "Files.h"
 #include "Program.h"
@@ -13,7 +13,7 @@
 #include <vector>
 
 /** Runs bsp-board in a directory of the test case's own, in which boards have short names. */
-class BoardToolTest : public testing::Test
+class SimulatorTest : public testing::Test
 {
 protected:
     using Words = std::vector<std::string>;

@@ -3,8 +3,8 @@
  * @brief Runs the tool on a board that its environment describes: see BoardFromEnvironment.cpp and
  * ScriptedAnswers.cpp for the variables.
  */
-#ifndef TESTS_TOOL_FAKEBOARDTOOL_H
-#define TESTS_TOOL_FAKEBOARDTOOL_H
+#ifndef TESTS_TOOL_BSPTOOL_H
+#define TESTS_TOOL_BSPTOOL_H
 
 #include "Program.h"
 
@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace fakeboardtool
+namespace bsptool
 {
 
 using Environment = std::map<std::string, std::string>;
@@ -52,6 +52,6 @@ inline void expectError(const testsupport::Outcome& outcome, const std::string& 
     EXPECT_EQ(outcome.status, 1);
 }
 
-} // namespace fakeboardtool
+} // namespace bsptool
 
 #endif

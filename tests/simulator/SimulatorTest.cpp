@@ -1,4 +1,4 @@
-#include "BoardToolTest.h"
+#include "SimulatorTest.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace fs = std::filesystem;
 
-testsupport::Program BoardToolTest::boardToolOfOrdinaryUser(Words words) const
+testsupport::Program SimulatorTest::boardToolOfOrdinaryUser(Words words) const
 {
     constexpr uid_t ordinaryUser = 65534;
     testsupport::Program program = boardTool(std::move(words));
@@ -27,7 +27,7 @@ testsupport::Program BoardToolTest::boardToolOfOrdinaryUser(Words words) const
     return program;
 }
 
-void BoardToolTest::expectQuiet(Words words) const
+void SimulatorTest::expectQuiet(Words words) const
 {
     const testsupport::Outcome outcome = run(std::move(words));
     EXPECT_EQ(outcome.err, "");
@@ -35,7 +35,7 @@ void BoardToolTest::expectQuiet(Words words) const
     EXPECT_EQ(outcome.status, 0);
 }
 
-void BoardToolTest::expectRefusal(Words words, const std::string& complaint, int status) const
+void SimulatorTest::expectRefusal(Words words, const std::string& complaint, int status) const
 {
     const testsupport::Outcome outcome = run(std::move(words));
     EXPECT_EQ(outcome.err, complaint);
@@ -43,7 +43,7 @@ void BoardToolTest::expectRefusal(Words words, const std::string& complaint, int
     EXPECT_EQ(outcome.status, status);
 }
 
-BoardToolTest::Words BoardToolTest::wordsToRun(const std::string& board, const std::string& program,
+SimulatorTest::Words SimulatorTest::wordsToRun(const std::string& board, const std::string& program,
                                                const Words& arguments)
 {
     const Words emulator = testsupport::emulator();
@@ -54,7 +54,7 @@ BoardToolTest::Words BoardToolTest::wordsToRun(const std::string& board, const s
     return words;
 }
 
-std::vector<std::string> BoardToolTest::entries(const std::string& directory) const
+std::vector<std::string> SimulatorTest::entries(const std::string& directory) const
 {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::directory_iterator(file(directory))) {
@@ -64,7 +64,7 @@ std::vector<std::string> BoardToolTest::entries(const std::string& directory) co
     return names;
 }
 
-std::vector<std::string> BoardToolTest::everything(const std::string& directory) const
+std::vector<std::string> SimulatorTest::everything(const std::string& directory) const
 {
     std::vector<std::string> lines;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(file(directory))) {
