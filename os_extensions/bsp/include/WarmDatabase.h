@@ -135,8 +135,8 @@ extern "C"
      * Creates an object with all its data 0; an object of that name is wiped.
      *
      * @param name        name of the object, at most 15 bytes
-     * @param object      receives the object's data, or null on failure; the data stays where it is
-     * for the life of the process
+     * @param object      receives the object's data, or null on failure; the data stays where it
+     *                    is for the life of the process
      * @param objectSize  size of the object in bytes, at most 1008
      * @return 0, or -1 when name or size do not fit or the store is full
      */
@@ -153,7 +153,7 @@ extern "C"
      * @param object      receives the object's data, or null on failure
      * @param objectSize  size of the object in bytes, at most 1008
      * @param sync        receives the mutex of the object's block, a process-shared
-     * pthread_mutex_t; untouched on failure
+     *                    pthread_mutex_t; untouched on failure
      * @param created     receives whether this call created the object; false on failure
      * @return 0, or -1 when name or size do not fit or the store is full
      */

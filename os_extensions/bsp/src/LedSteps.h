@@ -1,6 +1,7 @@
 /**
  * @file
- * @brief The steps of Led_setState. An LED's name comes with its number, which is for messages.
+ * @brief The steps of Led_setState. Each gets the LED's name, for the path of its files, and its
+ * number, for messages.
  */
 #ifndef BSP_SRC_LEDSTEPS_H
 #define BSP_SRC_LEDSTEPS_H

@@ -31,7 +31,8 @@ public:
     {
         // A window of 15 bits; 32 more let zlib take a zlib or a gzip header.
         constexpr int WindowBits = 15 + 32;
-        // The version that the interface used here is that of, not that of zlib's header.
+        // The version of zlib that this code was written for, whichever it is built with;
+        // inflateInit2 would name the latter. zlib only refuses other major versions.
         m_isValid = inflateInit2_(&m_stream, WindowBits, "1.2.7", sizeof m_stream) == Z_OK;
     }
     ~Inflater()

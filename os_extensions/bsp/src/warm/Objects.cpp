@@ -41,8 +41,9 @@ std::mutex* syncSlot(unsigned char* slots, unsigned int index)
 }
 
 /**
- * What operations report that getObjectData does in their stead; a message begins with the name of
- * its function. Out of the way, because it is seldom wanted and costs registers where it is not.
+ * Messages of retrieveObject and getObjectSyncPointer, which getObjectData writes as well when it
+ * does their work. They begin with the name of the function that they are written in, so these
+ * functions have the same names. Seldom wanted, they are kept out of the callers' code.
  */
 class Report
 {
