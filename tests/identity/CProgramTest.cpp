@@ -61,4 +61,14 @@ TEST(CProgram, ReadsTheBoardIds)
     EXPECT_EQ(outcome.status, 0);
 }
 
+TEST(CProgram, HasNamesForTheValues)
+{
+    const Outcome outcome = run({"names"});
+    EXPECT_EQ(outcome.out, "KT4851_4 XPIC BobCat2\n"
+                           "BCM85651 Wigeon Pci\n"
+                           "Ptp Rl5 Pt\n"
+                           "Watchdog EndOfList EndOfList\n");
+    EXPECT_EQ(outcome.status, 0);
+}
+
 } // namespace

@@ -152,4 +152,35 @@ TEST(Names, AreFoundByValueNotByPosition)
     EXPECT_EQ(nameOf(table, 9), "EndOfList");
 }
 
+/** Expects that C has the texts of a table, and "EndOfList" for all other values. */
+template <std::size_t Size>
+void expectSameInC(const NameEntry (&table)[Size], const char* (*nameInC)(int))
+{
+    for (const NameEntry& entry : table) {
+        EXPECT_EQ(nameInC(entry.value), entry.text);
+    }
+    for (const int other : {INT_MIN, -1, static_cast<int>(Size), INT_MAX}) {
+        EXPECT_STREQ(nameInC(other), "EndOfList") << other;
+    }
+}
+
+TEST(Names, AreTheSameInC)
+{
+    expectSameInC(productIdNames, Bsp_productIdName);
+    expectSameInC(hwRevisionNames, Bsp_hwRevisionName);
+    expectSameInC(switchTypeNames, Bsp_switchTypeName);
+    expectSameInC(dspTypeNames, Bsp_dspTypeName);
+    expectSameInC(trafFpgaTypeNames, Bsp_trafFpgaTypeName);
+    expectSameInC(controlBackplaneNames, Bsp_controlBackplaneName);
+    expectSameInC(trafficBackplaneNames, Bsp_trafficBackplaneName);
+    expectSameInC(radiolinkModeNames, Bsp_radiolinkModeName);
+    expectSameInC(platformTypeNames, Bsp_platformTypeName);
+    expectSameInC(resetTypeNames, Bsp_resetTypeName);
+}
+
+// What made the enumerations is not the programs' business.
+#if defined(BSP_ENUMERATIONS) || defined(BSP_PRODUCT_ID_ROWS) || defined(BSP_RESET_TYPE_ROWS)
+#error "macros of BspEnumerations.h are left"
+#endif
+
 } // namespace

@@ -63,10 +63,25 @@ static void printAnswers(void)
            Bsp_clearRadiolinkMode());
 }
 
+static void printNames(void)
+{
+    printf("%s %s %s\n", Bsp_productIdName(Bsp_ProductId_KT4851_4),
+           Bsp_hwRevisionName(Bsp_HwRevision_XPIC), Bsp_switchTypeName(Bsp_SwitchType_BobCat2));
+    printf("%s %s %s\n", Bsp_dspTypeName(Bsp_DspType_BCM85651),
+           Bsp_trafFpgaTypeName(Bsp_TrafFpgaType_Wigeon),
+           Bsp_controlBackplaneName(Bsp_ControlBackplane_Pci));
+    printf("%s %s %s\n", Bsp_trafficBackplaneName(Bsp_TrafficBackplane_Ptp),
+           Bsp_radiolinkModeName(Bsp_RadiolinkMode_Rl5), Bsp_platformTypeName(Bsp_PlatformType_Pt));
+    printf("%s %s %s\n", Bsp_resetTypeName(Bsp_ResetType_Watchdog), Bsp_resetTypeName(-1),
+           Bsp_productIdName(Bsp_ProductId_EndOfList));
+}
+
 int main(int argc, char* argv[])
 {
     if (argc > 1 && strcmp(argv[1], "ids") == 0) {
         printBoardIds();
+    } else if (argc > 1 && strcmp(argv[1], "names") == 0) {
+        printNames();
     } else {
         printVariant(Bsp_getNxuHwVariant());
         printAnswers();

@@ -36,6 +36,12 @@ TEST_P(Register, IsTheAnswerAsItStandsThere)
     EXPECT_THAT(systemcalls::take(), IsEmpty()) << "the marker is not looked for";
 }
 
+TEST_P(Register, IsTheAnswerToCAsWell)
+{
+    warmboard::useNxu4(GetParam());
+    EXPECT_EQ(static_cast<std::uint32_t>(Bsp_getResetType()), GetParam());
+}
+
 INSTANTIATE_TEST_SUITE_P(Words, Register,
                          testing::Values(0U, 1U, 2U, 3U, 4U, 7U, 0x100U, 0x80000000U, 0xFFFFFFFFU));
 

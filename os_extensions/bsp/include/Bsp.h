@@ -268,6 +268,12 @@ typedef struct NxuHwVariant NxuHwVariant;
     BSP_API int Bsp_clearRadiolinkMode(void);
 
     /**
+     * The cause of the board's last restart, a ResetType or whatever the board's register holds;
+     * see os::bsp::getResetType. Its name: Bsp_resetTypeName.
+     */
+    BSP_API int Bsp_getResetType(void);
+
+    /**
      * The position of the board in its rack, shared by all processes and kept over warm restarts:
      * -1 when not set yet or not available. Read anew at each call.
      */

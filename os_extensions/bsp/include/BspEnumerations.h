@@ -7,7 +7,7 @@
  *
  * C++ has scoped enumerations in os::bsp and a table of names for each; any integer is a valid
  * value of an enumeration, so what hardware reports can be held as it is. C has the same values
- * with the enumeration's name in front: `Bsp_ProductId_NXU4A`.
+ * with the enumeration's name in front, `Bsp_ProductId_NXU4A`, and functions for the names.
  */
 #ifndef BSP_ENUMERATIONS_H
 #define BSP_ENUMERATIONS_H
@@ -151,6 +151,65 @@ BSP_ENUMERATIONS(BSP_ENUMERATION)
 #undef BSP_ENUMERATION
 #undef BSP_ENUMERATOR
 
+#endif
+
+#ifdef __cplusplus
+extern "C"
+{
+#endif
+
+    /*
+     * The names, for C as well. The texts are static and constant: any thread may ask for them at
+     * any time, also before main.
+     */
+
+    /** Name of a ProductId, such as "NXU4A"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_productIdName(int productId);
+
+    /** Name of a HwRevision, such as "R1_P2"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_hwRevisionName(int hwRevision);
+
+    /** Name of a SwitchType, such as "None"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_switchTypeName(int switchType);
+
+    /** Name of a DspType, such as "BCM85650"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_dspTypeName(int dspType);
+
+    /** Name of a TrafFpgaType, such as "Fulmar"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_trafFpgaTypeName(int trafFpgaType);
+
+    /** Name of a ControlBackplane, such as "Pcie"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_controlBackplaneName(int controlBackplane);
+
+    /** Name of a TrafficBackplane, such as "Ptp"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_trafficBackplaneName(int trafficBackplane);
+
+    /** Name of a RadiolinkMode, such as "Rl4"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_radiolinkModeName(int radiolinkMode);
+
+    /** Name of a PlatformType, such as "Nxu4"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_platformTypeName(int platformType);
+
+    /** Name of a ResetType, such as "Cold"; "EndOfList" for a value that is none. */
+    BSP_API const char* Bsp_resetTypeName(int resetType);
+
+#ifdef __cplusplus
+}
+#endif
+
+/* The lists are for the library. */
+#ifndef BSP_KEEP_ROWS
+#undef BSP_PRODUCT_ID_ROWS
+#undef BSP_HW_REVISION_ROWS
+#undef BSP_SWITCH_TYPE_ROWS
+#undef BSP_DSP_TYPE_ROWS
+#undef BSP_TRAF_FPGA_TYPE_ROWS
+#undef BSP_CONTROL_BACKPLANE_ROWS
+#undef BSP_TRAFFIC_BACKPLANE_ROWS
+#undef BSP_RADIOLINK_MODE_ROWS
+#undef BSP_PLATFORM_TYPE_ROWS
+#undef BSP_RESET_TYPE_ROWS
+#undef BSP_ENUMERATIONS
 #endif
 
 #endif

@@ -44,6 +44,8 @@
  * - Minor: the next minor; an existing verification restarts at 1.
  * - Major: the next major, minor back to 0; an existing verification restarts at 1.
  * - EndOfList: no way; it ends the list.
+ *
+ * In C `RState_IncrementType_Auto` and so on.
  */
 enum class IncrementType : int
 {
@@ -94,7 +96,8 @@ public:
     void increment(IncrementType type);
 
     /**
-     * Whether this version is older. Verification 0 is older than none and newer than none.
+     * Whether this version is older. One without a verification, 0, is neither older nor newer than
+     * one that differs from it in the verification only.
      *
      * This is no strict weak order where labels with and without verification are mixed ("R1A" is
      * equal to "R1A01" and to "R1A02", which are not equal): do not sort or search by it.
@@ -167,8 +170,8 @@ enum
     /**
      * Writes the text of a version.
      *
-     * @param rstate  receives the text and a NUL; its room (RState::MaxRStateLen or more) is not
-     * checked
+     * @param rstate  receives the text and a NUL; its capacity, RState::MaxRStateLen or more, is
+     *                not checked
      * @return 1
      */
     BSP_API int RState_fromVersion(char* rstate, int major, int minor, int verification);
@@ -199,6 +202,13 @@ enum
 
 #ifdef __cplusplus
 }
+#endif
+
+#undef RSTATE_ENUMERATOR
+#undef RSTATE_C_ENUMERATOR
+/* The list is for the library and its tool. */
+#ifndef BSP_KEEP_ROWS
+#undef RSTATE_INCREMENT_TYPE_ROWS
 #endif
 
 #endif

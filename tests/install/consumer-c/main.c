@@ -20,6 +20,9 @@ int main(void)
     printf("product %s\n", Bsp_getProductId() == Bsp_ProductId_EndOfList ? "unknown" : "known");
     printf("revision %s\n",
            Bsp_getNxuHwVariant()->hwRevision == Bsp_getHwRevision() ? "known" : "unknown");
+    printf("reset %s, for example %s\n",
+           Bsp_getResetType() == Bsp_ResetType_EndOfList ? "unknown" : "known",
+           Bsp_resetTypeName(Bsp_ResetType_Watchdog));
     printf("row 18: %s\n", Bsp_boardIdMap[Bsp_NoOfBoardIds - 1].text);
     printf("led 2: %s, state 6: %s\n", Led_objectToName(Led_Green),
            Led_stateObjectToStateName(Led_Interrupting));

@@ -1,7 +1,6 @@
 #include "Bsp.h"
 
 #include "BspTrace.h"
-#include "ConstantNames.h"
 #include "HvxMessage.h"
 #include "NxuConfig.h"
 
@@ -9,14 +8,6 @@
 
 namespace os::bsp
 {
-
-namespace
-{
-
-constexpr ConstantName radiolinkModes[] = {BSP_RADIOLINK_MODE_ROWS(BSP_NAME_ROW, RadiolinkMode)
-                                               BSP_NAME_ROW(RadiolinkMode, EndOfList)};
-
-} // namespace
 
 RadiolinkMode getRadiolinkMode()
 {
@@ -36,7 +27,7 @@ bool setRadiolinkMode(RadiolinkMode mode)
     if (mode != RadiolinkMode::Rl4 && mode != RadiolinkMode::Rl5) {
         TRACE_MESSAGE(
             bspTrace, trace::Error,
-            "Unsupported radio-link mode: " << nameOf(radiolinkModes, static_cast<int>(mode)));
+            "Unsupported radio-link mode: " << Bsp_radiolinkModeName(static_cast<int>(mode)));
         return false;
     }
     NxuConfig config;

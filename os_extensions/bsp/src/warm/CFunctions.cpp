@@ -26,6 +26,11 @@ WarmSlot& slotInstance()
 
 } // namespace os::bsp
 
+int Bsp_getResetType()
+{
+    return static_cast<int>(os::bsp::getResetType());
+}
+
 int Bsp_getSlotId()
 {
     return os::bsp::slot().get();

@@ -1,5 +1,4 @@
 #include "Bsp.h"
-#include "ConstantNames.h"
 #include "DDevIo.h"
 #include "Hardware.h"
 
@@ -15,9 +14,6 @@ namespace
 {
 
 constexpr int DefaultMutexType = 0;
-
-constexpr ConstantName resetTypes[] = {BSP_RESET_TYPE_ROWS(BSP_NAME_ROW, ResetType)
-                                           BSP_NAME_ROW(ResetType, EndOfList)};
 
 /** Unknown stands for "not worked out yet" as well. */
 std::atomic<ResetType> cachedResetType{ResetType::Unknown};
@@ -58,7 +54,7 @@ ResetType getResetType()
 
 std::string resetTypeToString(const ResetType& type)
 {
-    return nameOf(resetTypes, static_cast<int>(type));
+    return Bsp_resetTypeName(static_cast<int>(type));
 }
 
 } // namespace os::bsp

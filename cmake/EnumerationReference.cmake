@@ -1,0 +1,45 @@
+# Writes what the reference says of the enumerations, from the lists that make them.
+# usage: cmake -D HEADER=BspEnumerations.h -D OUTPUT=FILE.dox -P EnumerationReference.cmake
+
+file(READ ${HEADER} header)
+string(REGEX REPLACE "[ ]*\\\\\n[ ]*" " " header "${header}")
+string(REPLACE ";" "," header "${header}")
+string(REPLACE "\n" ";" lines "${header}")
+
+# reference_of(NAME TABLE BRIEF VALUE...): the text for one enumeration, appended to text.
+function(reference_of NAME TABLE BRIEF)
+  string(REGEX REPLACE "s$" "" function ${TABLE})
+  string(APPEND text "/** @enum os::bsp::${NAME}\n"
+    "    ${BRIEF} In C: `enum Bsp_${NAME}`, names by Bsp_${function}().\n\n"
+    "    | value | C++ | C |\n    |---|---|---|\n")
+  set(value 0)
+  foreach(enumerator ${ARGN} EndOfList)
+    string(APPEND text "    | ${value} | `${NAME}::${enumerator}` | `Bsp_${NAME}_${enumerator}` |\n")
+    math(EXPR value "${value} + 1")
+  endforeach()
+  string(APPEND text "*/\n/** @var os::bsp::${TABLE}\n    Names of ${NAME}. */\n")
+  set(text "${text}" PARENT_SCOPE)
+endfunction()
+
+set(text "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^/\\*\\* (.*) \\*/$")
+    set(brief "${CMAKE_MATCH_1}")
+  elseif(line MATCHES "^#define (BSP_[A-Z_]+_ROWS)\\(ROW, ENUM\\)")
+    set(list ${CMAKE_MATCH_1})
+    set(brief_${list} "${brief}")
+    string(REGEX MATCHALL "ROW\\(ENUM, [A-Za-z0-9_]+" rows "${line}")
+    list(TRANSFORM rows REPLACE "ROW\\(ENUM, " "" OUTPUT_VARIABLE values_${list})
+  elseif(line MATCHES "^#define BSP_ENUMERATIONS")
+    string(REGEX MATCHALL "LIST\\([A-Za-z]+, [A-Za-z]+, [A-Z_]+" enumerations "${line}")
+    foreach(enumeration ${enumerations})
+      string(REGEX MATCH "LIST\\(([A-Za-z]+), ([A-Za-z]+), ([A-Z_]+)" ignored "${enumeration}")
+      set(list ${CMAKE_MATCH_3})
+      reference_of(${CMAKE_MATCH_1} ${CMAKE_MATCH_2} "${brief_${list}}" ${values_${list}})
+    endforeach()
+  endif()
+endforeach()
+if(text STREQUAL "")
+  message(FATAL_ERROR "${HEADER} has no list of enumerations")
+endif()
+file(WRITE ${OUTPUT} "${text}")
