@@ -1,7 +1,7 @@
 #include "ConfigStore.h"
 #include "BoardDirectory.h"
-#include "Entries.h"
 #include "ConfigTrace.h"
+#include "Entries.h"
 #include "GtMessage.h"
 #include "SettingsChange.h"
 
