@@ -148,7 +148,7 @@ void readImage(benchmark::State& state, const Image& image)
 {
     std::array<char, ChunkSize> chunk;
     for (auto _ : state) {
-        const posix::FileDescriptor fd(::open(image.path.c_str(), O_RDONLY | O_CLOEXEC));
+        const syscalls::FileDescriptor fd(::open(image.path.c_str(), O_RDONLY | O_CLOEXEC));
         while (os::bsp::Bsp_readHelper(fd.get(), chunk.data(), chunk.size()) > 0) {
         }
     }

@@ -35,7 +35,7 @@ inline bool isActive(const GT_TraceRecord& record, HvxTraceLevel level) noexcept
     do {                                                                                           \
         if (trace::isActive((record), (level))) {                                                  \
             static constexpr HvxTraceHeader traceHeader{__FILE__, __LINE__, __func__};             \
-            const posix::ErrnoKeeper traceErrnoKeeper;                                             \
+            const syscalls::ErrnoKeeper traceErrnoKeeper;                                          \
             GT_printf2(&(record), (level), &traceHeader, __VA_ARGS__);                             \
         }                                                                                          \
     } while (false)

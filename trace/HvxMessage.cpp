@@ -62,7 +62,7 @@ void HvxMessage::writeEntry()
 
 void writeEntry(HvxTrace& channel, const HvxTraceHeader& header)
 {
-    const posix::ErrnoKeeper errnoKeeper;
+    const syscalls::ErrnoKeeper errnoKeeper;
     deliver([&channel, &header] {
         channel.beginLogMsg(Entry, header);
         logMsgData(channel, "ENTER ");

@@ -65,7 +65,7 @@ public:
     void writeEntry();
 
 private:
-    const posix::ErrnoKeeper m_errnoKeeper;
+    const syscalls::ErrnoKeeper m_errnoKeeper;
     HvxTrace& m_channel;
     const HvxTraceLevel m_level;
     const HvxTraceHeader& m_header;

@@ -46,7 +46,7 @@ bool MessageText::makeRoom(std::size_t size) noexcept
     if (m_isLost || size <= m_capacity - m_size) {
         return !m_isLost;
     }
-    const posix::ErrnoKeeper errnoKeeper;
+    const syscalls::ErrnoKeeper errnoKeeper;
     const std::size_t capacity = 2 * std::max(m_capacity, size);
     std::unique_ptr<char[]> room(new (std::nothrow) char[capacity]);
     if (!room) {

@@ -85,7 +85,7 @@ TEST_F(BaseBoard, WaitsForNoPipe)
 {
     testsupport::makeNode(S_IFIFO, board.file("eeprom"));
     EXPECT_EQ(read(), ENODEV);
-    const posix::FileDescriptor writer(::open(board.file("eeprom").c_str(), O_RDWR | O_CLOEXEC));
+    const syscalls::FileDescriptor writer(::open(board.file("eeprom").c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_TRUE(writer.isOpen());
     EXPECT_EQ(read(), ENODEV);
     EXPECT_THAT(buffer, Each(0xEE));

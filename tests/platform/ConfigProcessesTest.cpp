@@ -280,7 +280,7 @@ TEST_F(ConfigProcesses, DoNotWaitForEver)
 /** Whether files can get their name later, in that directory. */
 bool canNameFilesLater(const Board& board)
 {
-    const posix::FileDescriptor file(
+    const syscalls::FileDescriptor file(
         ::open(board.path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600));
     const std::string name = board.file("named");
     const bool isNamed =

@@ -288,7 +288,7 @@ TEST(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
     board.write("device", wordsOf({7}));
     const auto device = open("device");
     std::atomic<bool> done{false};
-    const posix::FileDescriptor file(::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC));
+    const syscalls::FileDescriptor file(::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC));
     std::thread cutter([&] {
         const std::string word = wordsOf({7});
         while (!done) {

@@ -41,12 +41,12 @@ public:
     }
 
     /** What the user types and sees. */
-    const posix::FileDescriptor& user() const { return m_user; }
+    const syscalls::FileDescriptor& user() const { return m_user; }
     /** Its device; empty when the machine has none. */
     const std::string& path() const { return m_path; }
 
 private:
-    const posix::FileDescriptor m_user;
+    const syscalls::FileDescriptor m_user;
     std::string m_path;
 };
 

@@ -36,7 +36,7 @@ TEST(OpenFile, KeepsOffTheStandardStreamsDescriptors)
     const std::vector<std::vector<int>> missing = {{}, {0}, {1}, {2}, {0, 2}, {0, 1, 2}};
     for (const std::vector<int>& descriptors : missing) {
         EXPECT_TRUE(holdsWithout(descriptors, [&] {
-            const posix::FileDescriptor file = openFile("/dev/null", O_RDONLY);
+            const syscalls::FileDescriptor file = openFile("/dev/null", O_RDONLY);
             bool isFine = file.get() > STDERR_FILENO;
             for (const int fd : descriptors) {
                 isFine = isFine && isFree(fd);
@@ -57,16 +57,16 @@ TEST(OpenFile, LeavesNoOtherDescriptorOpen)
 
 TEST(OpenFile, IsNotForTheProgramsThatThisProcessStarts)
 {
-    const posix::FileDescriptor file = openFile("/dev/null", O_RDONLY);
+    const syscalls::FileDescriptor file = openFile("/dev/null", O_RDONLY);
     EXPECT_EQ(::fcntl(file.get(), F_GETFD), FD_CLOEXEC);
 }
 
 TEST(OpenFile, MakesFilesBelowADirectory)
 {
     const testsupport::TemporaryDirectory directory;
-    const posix::FileDescriptor parent = openFile(directory.path(), O_RDONLY | O_DIRECTORY);
+    const syscalls::FileDescriptor parent = openFile(directory.path(), O_RDONLY | O_DIRECTORY);
     {
-        const posix::FileDescriptor file =
+        const syscalls::FileDescriptor file =
             openFileAt(parent.get(), "file", O_WRONLY | O_CREAT | O_EXCL, 0600);
         EXPECT_EQ(::write(file.get(), "text", 4), 4);
     }

@@ -73,7 +73,7 @@ namespace
 class StandardErrorAs
 {
 public:
-    explicit StandardErrorAs(const posix::FileDescriptor& file)
+    explicit StandardErrorAs(const syscalls::FileDescriptor& file)
         : m_before(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3))
     {
         ::dup2(file.get(), STDERR_FILENO);
@@ -83,7 +83,7 @@ public:
     StandardErrorAs& operator=(const StandardErrorAs&) = delete;
 
 private:
-    const posix::FileDescriptor m_before;
+    const syscalls::FileDescriptor m_before;
 };
 
 /** Two connected descriptors: what is written to the second is read from the first. */
@@ -106,12 +106,12 @@ struct Connection
         return Connection(descriptors);
     }
 
-    posix::FileDescriptor reader;
-    posix::FileDescriptor writer;
+    syscalls::FileDescriptor reader;
+    syscalls::FileDescriptor writer;
 };
 
 /** What can be read without waiting. */
-std::string readAll(const posix::FileDescriptor& file)
+std::string readAll(const syscalls::FileDescriptor& file)
 {
     ::fcntl(file.get(), F_SETFL, O_NONBLOCK);
     std::string all;
@@ -161,7 +161,7 @@ protected:
     }
 
     /** Checks that whole lines came, and that the next message tells how many did not. */
-    void expectTheFirst(const posix::FileDescriptor& reader,
+    void expectTheFirst(const syscalls::FileDescriptor& reader,
                         const std::function<void()>& writeNext) const
     {
         const std::string first = readAll(reader);
@@ -234,7 +234,7 @@ TEST_F(TraceWaiting, IsNotForAStoppedTerminal)
 {
     const testsupport::Terminal terminal;
     ASSERT_NE(terminal.path(), "");
-    const posix::FileDescriptor screen(
+    const syscalls::FileDescriptor screen(
         ::open(terminal.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     ASSERT_EQ(::tcflow(screen.get(), TCOOFF), 0);
     const StandardErrorAs standardError(screen);
@@ -251,7 +251,7 @@ TEST_F(TraceWaiting, IsNotForAFullNamedPipe)
 {
     setOutput(file);
     testsupport::makeNode(S_IFIFO, file);
-    const posix::FileDescriptor reader(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const syscalls::FileDescriptor reader(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     writeMany();
     expectTheFirst(reader, [&] { trace("text"); });
 }
@@ -278,7 +278,7 @@ TEST_F(TraceWaiting, KeepsMessagesOfManyProcessesWholeInAPipe)
         }
         processes.push_back(process);
     }
-    pipe.writer = posix::FileDescriptor(-1);
+    pipe.writer = syscalls::FileDescriptor(-1);
     std::string all;
     std::array<char, 65536> buffer{};
     ssize_t count = 0;
@@ -309,9 +309,9 @@ protected:
         systemLog = directory.file("log");
     }
 
-    posix::FileDescriptor listen(int type) const
+    syscalls::FileDescriptor listen(int type) const
     {
-        posix::FileDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+        syscalls::FileDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
         const sockaddr_un address = addressOf(systemLog);
         EXPECT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
                   0);
@@ -326,7 +326,7 @@ protected:
     }
 };
 
-std::vector<std::string> receiveAll(const posix::FileDescriptor& socket)
+std::vector<std::string> receiveAll(const syscalls::FileDescriptor& socket)
 {
     std::vector<std::string> messages;
     std::array<char, 8192> buffer{};
@@ -339,7 +339,7 @@ std::vector<std::string> receiveAll(const posix::FileDescriptor& socket)
 
 TEST_F(WaitingSystemLog, MayBeFull)
 {
-    const posix::FileDescriptor log = listen(SOCK_DGRAM);
+    const syscalls::FileDescriptor log = listen(SOCK_DGRAM);
     constexpr std::size_t Many = 2000;
     for (std::size_t i = 0; i < Many; ++i) {
         trace("early");
@@ -357,12 +357,12 @@ TEST_F(WaitingSystemLog, MayBeFull)
 
 TEST_F(WaitingSystemLog, MayBeAStream)
 {
-    const posix::FileDescriptor log = listen(SOCK_STREAM);
+    const syscalls::FileDescriptor log = listen(SOCK_STREAM);
     ASSERT_EQ(::listen(log.get(), 2), 0);
     trace("first");
     trace("second");
     for (const char* text : {"first", "second"}) {
-        const posix::FileDescriptor connection(
+        const syscalls::FileDescriptor connection(
             ::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
         const std::string sent = readAll(connection);
         ASSERT_THAT(sent, Not(IsEmpty()));
@@ -373,17 +373,17 @@ TEST_F(WaitingSystemLog, MayBeAStream)
 
 TEST_F(WaitingSystemLog, MayBeAStreamThatNobodyAccepts)
 {
-    const posix::FileDescriptor log = listen(SOCK_STREAM);
+    const syscalls::FileDescriptor log = listen(SOCK_STREAM);
     ASSERT_EQ(::listen(log.get(), 1), 0);
     writeMany();
-    const posix::FileDescriptor connection(::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const syscalls::FileDescriptor connection(::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
     EXPECT_TRUE(connection.isOpen());
 }
 
 TEST_F(WaitingSystemLog, MayComeLater)
 {
     trace("nobody listens");
-    const posix::FileDescriptor log = listen(SOCK_DGRAM);
+    const syscalls::FileDescriptor log = listen(SOCK_DGRAM);
     trace("text");
     EXPECT_THAT(receiveAll(log),
                 ElementsAre(EndsWith(" messages lost: 1"), MatchesRegex(message("text"))));
@@ -392,7 +392,7 @@ TEST_F(WaitingSystemLog, MayComeLater)
 TEST_F(WaitingSystemLog, HearsOfALostMessageFromOneThreadAlone)
 {
     trace("nobody listens");
-    const posix::FileDescriptor log = listen(SOCK_DGRAM);
+    const syscalls::FileDescriptor log = listen(SOCK_DGRAM);
     // As another thread, which writes while this one tells of the loss.
     meanwhile = [&] { trace("other"); };
     trace("text");

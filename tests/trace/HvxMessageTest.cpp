@@ -93,7 +93,8 @@ TEST(HvxMessage, IsNotEvaluatedOnAnInactiveChannel)
 TEST(HvxMessage, KeepsErrnoInTheTextAndForTheCaller)
 {
     errno = ENOENT;
-    TRACE_MESSAGE(channel, trace::Error, "errno is " << errno << ", " << posix::errnoText(errno));
+    TRACE_MESSAGE(channel, trace::Error,
+                  "errno is " << errno << ", " << syscalls::errnoText(errno));
     EXPECT_EQ(errno, ENOENT);
     TRACE_ENTER(channel);
     EXPECT_EQ(errno, ENOENT);

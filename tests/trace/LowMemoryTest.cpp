@@ -104,7 +104,7 @@ TEST(LowMemory, LeavesMessagesWhole)
     const std::string name(300, 'n');
     const long allocations = withoutMemory([&name] {
         TRACE_MESSAGE(channel, trace::Error,
-                      "cannot open " << name << ": " << posix::errnoText(ENOENT) << ' ' << -5);
+                      "cannot open " << name << ": " << syscalls::errnoText(ENOENT) << ' ' << -5);
         TRACE_ENTER_WITH(channel, "fd=" << 7);
         TRACE_ENTER(channel);
     });

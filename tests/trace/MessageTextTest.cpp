@@ -25,7 +25,7 @@ TEST(MessageText, TakesTexts)
               std::string("ab\0cdf", 6));
     const char* none = nullptr;
     EXPECT_EQ(textOf("a", none, "b", ""), "ab");
-    EXPECT_EQ(textOf(posix::errnoText(ENOENT), posix::errnoText(12345)),
+    EXPECT_EQ(textOf(syscalls::errnoText(ENOENT), syscalls::errnoText(12345)),
               "No such file or directoryUnknown error 12345");
 }
 

@@ -71,7 +71,7 @@ template <std::size_t Size> unsigned int findName(const Name (&names)[Size], con
 int writeAndClose(int fd, const char* text)
 {
     if (led::Led_write(fd, text, static_cast<unsigned int>(std::strlen(text))) == -1) {
-        const posix::ErrnoKeeper keeper;
+        const syscalls::ErrnoKeeper keeper;
         led::Led_close(fd);
         return -1;
     }
@@ -114,7 +114,7 @@ int Led_open(unsigned int led, const char* name)
     fd = open(ledFilename.data(), O_WRONLY | O_CLOEXEC);
     if (fd == -1) {
         TRACE_PRINTF(ledTrace, trace::Error, "%s: open failed. errno = %s. ledFilename = %s.\n",
-                     __func__, posix::errnoText(errno).c_str(), ledFilename.data());
+                     __func__, syscalls::errnoText(errno).c_str(), ledFilename.data());
     }
     return fd;
 }
@@ -133,7 +133,7 @@ int Led_enableTrigger(unsigned int led, const char* name)
     const int fd = open(triggerFilename.data(), O_WRONLY | O_CLOEXEC);
     if (fd == -1) {
         TRACE_PRINTF(ledTrace, trace::Error, "%s: open failed. errno = %s. triggerFilename = %s.\n",
-                     __func__, posix::errnoText(errno).c_str(), triggerFilename.data());
+                     __func__, syscalls::errnoText(errno).c_str(), triggerFilename.data());
         return -1;
     }
     return writeAndClose(fd, hardware::LedTrigger);
@@ -171,7 +171,7 @@ int Led_close(int fd)
     assert(fd >= 0);
     if (close(fd) == -1) {
         TRACE_PRINTF(ledTrace, trace::Error, "%s(%d): close failed. errno = %s.\n", __func__, fd,
-                     posix::errnoText(errno).c_str());
+                     syscalls::errnoText(errno).c_str());
         return -1;
     }
     return 0;

@@ -33,7 +33,7 @@ int checkType(int fd)
 /** Fills the code from the file; 0, or the errno value of what failed. */
 int readCode(int fd, HardwareCode& code)
 {
-    const ssize_t count = posix::readFully(fd, code.data(), code.size());
+    const ssize_t count = syscalls::readFully(fd, code.data(), code.size());
     if (count == -1) {
         return errno;
     }
@@ -44,11 +44,12 @@ int readCode(int fd, HardwareCode& code)
 
 int e2prom_data_read(int device, int area, uint8_t* buffer)
 {
-    if (device != hardware::BaseBoardEeprom || area != hardware::HardwareCodeArea || buffer == nullptr) {
+    if (device != hardware::BaseBoardEeprom || area != hardware::HardwareCodeArea ||
+        buffer == nullptr) {
         return EINVAL;
     }
-    const posix::FileDescriptor file =
-        openFile(boarddirectory::entryPath(boarddirectory::entry::Eeprom), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    const syscalls::FileDescriptor file = openFile(
+        boarddirectory::entryPath(boarddirectory::entry::Eeprom), O_RDONLY | O_NOCTTY | O_NONBLOCK);
     if (!file.isOpen()) {
         return errno;
     }

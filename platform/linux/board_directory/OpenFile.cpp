@@ -14,8 +14,8 @@ class Placeholders
 public:
     Placeholders()
     {
-        for (posix::FileDescriptor& held : m_held) {
-            posix::FileDescriptor lowest(::open("/", O_PATH | O_CLOEXEC));
+        for (syscalls::FileDescriptor& held : m_held) {
+            syscalls::FileDescriptor lowest(::open("/", O_PATH | O_CLOEXEC));
             if (lowest.get() > STDERR_FILENO) {
                 break;
             }
@@ -24,18 +24,18 @@ public:
     }
 
 private:
-    std::array<posix::FileDescriptor, STDERR_FILENO + 1> m_held;
+    std::array<syscalls::FileDescriptor, STDERR_FILENO + 1> m_held;
 };
 
 } // namespace
 
-posix::FileDescriptor openFileAt(int directory, const std::string& path, int flags, mode_t mode)
+syscalls::FileDescriptor openFileAt(int directory, const std::string& path, int flags, mode_t mode)
 {
     const Placeholders placeholders;
-    posix::FileDescriptor file(::openat(directory, path.c_str(), flags | O_CLOEXEC, mode));
+    syscalls::FileDescriptor file(::openat(directory, path.c_str(), flags | O_CLOEXEC, mode));
     if (file.isOpen() && file.get() <= STDERR_FILENO) {
         // Another thread gave the descriptor back meanwhile.
-        return posix::FileDescriptor(::fcntl(file.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+        return syscalls::FileDescriptor(::fcntl(file.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     }
     return file;
 }

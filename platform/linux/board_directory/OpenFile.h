@@ -17,11 +17,11 @@
  * @param directory  descriptor that a relative path starts from
  * @return not open, with errno set, when that fails
  */
-posix::FileDescriptor openFileAt(int directory, const std::string& path, int flags,
-                                 mode_t mode = 0);
+syscalls::FileDescriptor openFileAt(int directory, const std::string& path, int flags,
+                                    mode_t mode = 0);
 
 /** openFileAt from the working directory. */
-inline posix::FileDescriptor openFile(const std::string& path, int flags, mode_t mode = 0)
+inline syscalls::FileDescriptor openFile(const std::string& path, int flags, mode_t mode = 0)
 {
     return openFileAt(AT_FDCWD, path, flags, mode);
 }

@@ -37,7 +37,7 @@ DeviceFile openDevice(const std::string& name, int access)
         errno = EINVAL;
         return {};
     }
-    posix::FileDescriptor file =
+    syscalls::FileDescriptor file =
         openFile(boarddirectory::entryPath(name), access | O_NOCTTY | O_NONBLOCK);
     struct stat status
     {};
@@ -45,7 +45,7 @@ DeviceFile openDevice(const std::string& name, int access)
         return {};
     }
     if (const int error = check(file.get(), status, name)) {
-        file = posix::FileDescriptor();
+        file = syscalls::FileDescriptor();
         errno = error;
         return {};
     }

@@ -11,8 +11,8 @@ namespace DDevIo
 /** An entry of the board directory, opened as a device. */
 struct DeviceFile
 {
-    posix::FileDescriptor descriptor; /**< Not open when the entry cannot be a device. */
-    bool isRegular = false;           /**< A file; else a node of a device. */
+    syscalls::FileDescriptor descriptor; /**< Not open when the entry cannot be a device. */
+    bool isRegular = false;              /**< A file; else a node of a device. */
 };
 
 /**

@@ -26,7 +26,7 @@ std::size_t pageSize()
 class FileRegisters : public RegisterDevice
 {
 public:
-    FileRegisters(posix::FileDescriptor file, std::unique_ptr<IMutex> mutex)
+    FileRegisters(syscalls::FileDescriptor file, std::unique_ptr<IMutex> mutex)
         : RegisterDevice(std::move(mutex)), m_file(std::move(file))
     {}
 
@@ -45,7 +45,7 @@ private:
         return true;
     }
 
-    const posix::FileDescriptor m_file;
+    const syscalls::FileDescriptor m_file;
 };
 
 /** A device's memory, each register loaded at once. */

@@ -35,7 +35,8 @@ bool hasRoom()
 /** To a pipe or a terminal; whether writing waits is not for us to change for all who share it. */
 bool writeWithoutWaiting(const std::string& line)
 {
-    const posix::FileDescriptor own = openFile("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY);
+    const syscalls::FileDescriptor own =
+        openFile("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY);
     if (own.isOpen()) {
         return writeLine(own.get(), line);
     }

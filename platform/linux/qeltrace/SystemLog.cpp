@@ -30,7 +30,7 @@ int priority(HvxTraceLevel level)
 bool send(int socketType, const std::string& message)
 {
     constexpr sockaddr_un Address{AF_UNIX, "/dev/log"};
-    const posix::FileDescriptor socket(
+    const syscalls::FileDescriptor socket(
         ::socket(AF_UNIX, socketType | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     return socket.isOpen() &&
            ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&Address), sizeof Address) ==

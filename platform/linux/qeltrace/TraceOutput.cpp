@@ -23,7 +23,7 @@ std::atomic<unsigned long> lostLines{0};
 bool appendToFile(const std::string& fileName, HvxTraceLevel level, const std::string& line)
 {
     // A named pipe that nobody reads must not make anyone wait.
-    const posix::FileDescriptor file =
+    const syscalls::FileDescriptor file =
         openFile(fileName, O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK, 0666);
     if (file.isOpen()) {
         return writeLine(file.get(), line);
@@ -31,7 +31,7 @@ bool appendToFile(const std::string& fileName, HvxTraceLevel level, const std::s
     const int error = errno;
     static std::atomic<bool> reported{false};
     if (!reported.exchange(true)) {
-        reportBadSetting("QELTRACE_OUTPUT", fileName, posix::errnoText(error).c_str());
+        reportBadSetting("QELTRACE_OUTPUT", fileName, syscalls::errnoText(error).c_str());
     }
     return sendToSystemLog(level, line);
 }

@@ -19,7 +19,7 @@ namespace
 }
 
 /** Gives a new file what others may do with the former one, and its owner where that is allowed. */
-void passOn(const posix::FileDescriptor& file, const struct stat& former)
+void passOn(const syscalls::FileDescriptor& file, const struct stat& former)
 {
     constexpr auto Same = static_cast<uid_t>(-1);
     constexpr mode_t Permissions = 0777;
@@ -35,7 +35,7 @@ void passOn(const posix::FileDescriptor& file, const struct stat& former)
     }
 }
 
-void writeAll(const posix::FileDescriptor& file, const std::string& bytes)
+void writeAll(const syscalls::FileDescriptor& file, const std::string& bytes)
 {
     std::size_t done = 0;
     while (done < bytes.size()) {
@@ -60,7 +60,7 @@ ReplacedFile::ReplacedFile(const std::string& path)
 
 std::optional<ReplacedFile::Former> ReplacedFile::former() const
 {
-    const posix::FileDescriptor file =
+    const syscalls::FileDescriptor file =
         openFileAt(directory(), m_name, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     if (!file.isOpen() && errno == ENOENT) {
         return std::nullopt;
@@ -103,7 +103,7 @@ void ReplacedFile::writeDraft(const std::optional<Former>& former, const std::st
     if (::unlinkat(directory(), m_draft.c_str(), 0) != 0 && errno != ENOENT) {
         fail("cannot remove " + m_draft);
     }
-    const posix::FileDescriptor draft =
+    const syscalls::FileDescriptor draft =
         openFileAt(directory(), m_draft, O_WRONLY | O_CREAT | O_EXCL, former ? 0600 : 0666);
     if (!draft.isOpen()) {
         fail("cannot make " + m_draft);

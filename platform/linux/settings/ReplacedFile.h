@@ -49,7 +49,7 @@ private:
 
     const std::string m_name;
     const std::string m_draft;
-    const posix::FileDescriptor m_directory;
+    const syscalls::FileDescriptor m_directory;
 };
 
 } // namespace settings

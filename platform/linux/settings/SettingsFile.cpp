@@ -68,7 +68,7 @@ std::optional<FileState> stateOf(const std::string& path)
 std::optional<Contents> read(const std::string& path)
 {
     // A pipe or a terminal at that place must not make anyone wait.
-    const posix::FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    const syscalls::FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!file.isOpen() && errno == ENOENT) {
         refuseFormerFormat(path);
         return std::nullopt;
@@ -81,7 +81,7 @@ std::optional<Contents> read(const std::string& path)
     return Contents{state, state.isSettled(now), SettingsText(bytesOf(file)).entries()};
 }
 
-struct stat statusOfRegularFile(const posix::FileDescriptor& file)
+struct stat statusOfRegularFile(const syscalls::FileDescriptor& file)
 {
     struct stat status
     {};
@@ -97,13 +97,13 @@ struct stat statusOfRegularFile(const posix::FileDescriptor& file)
     return status;
 }
 
-std::string bytesOf(const posix::FileDescriptor& file)
+std::string bytesOf(const syscalls::FileDescriptor& file)
 {
     constexpr std::size_t PieceSize = 4096;
     std::string bytes;
     std::array<char, PieceSize> piece{};
     while (bytes.size() <= MaxFileSize) {
-        const ssize_t size = posix::readFully(file.get(), piece.data(), piece.size());
+        const ssize_t size = syscalls::readFully(file.get(), piece.data(), piece.size());
         if (size == -1) {
             fail("cannot read");
         }

@@ -52,10 +52,10 @@ std::optional<FileState> stateOf(const std::string& path);
 std::optional<Contents> read(const std::string& path);
 
 /** @throws std::runtime_error when it is another kind of file, or too large */
-struct stat statusOfRegularFile(const posix::FileDescriptor& file);
+struct stat statusOfRegularFile(const syscalls::FileDescriptor& file);
 
 /** The bytes of an open file. @throws std::runtime_error */
-std::string bytesOf(const posix::FileDescriptor& file);
+std::string bytesOf(const syscalls::FileDescriptor& file);
 
 /**
  * Makes sure that a settings file that is missing takes no other's place.

@@ -21,7 +21,7 @@ mode_t firstMode(const std::optional<struct stat>& status)
 }
 
 /** Lets those open the lock, for writing only, who can write the file. */
-void share(const posix::FileDescriptor& lock, const std::optional<struct stat>& status)
+void share(const syscalls::FileDescriptor& lock, const std::optional<struct stat>& status)
 {
     if (status) {
         // Who may not do so either can do without.
@@ -56,7 +56,7 @@ WriterLock::~WriterLock()
 /** False when another has it, or had it until now. */
 bool WriterLock::tryToLock(const std::optional<struct stat>& status)
 {
-    posix::FileDescriptor file = open();
+    syscalls::FileDescriptor file = open();
     if (!file.isOpen() && errno == ENOENT) {
         file = make(status);
     }
@@ -85,14 +85,14 @@ bool WriterLock::tryToLock(const std::optional<struct stat>& status)
     return true;
 }
 
-posix::FileDescriptor WriterLock::open() const
+syscalls::FileDescriptor WriterLock::open() const
 {
     return openFileAt(m_directory, m_name, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
 }
 
-posix::FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
+syscalls::FileDescriptor WriterLock::make(const std::optional<struct stat>& status) const
 {
-    posix::FileDescriptor file = makeWhole(status);
+    syscalls::FileDescriptor file = makeWhole(status);
     if (file.isOpen() || errno == EEXIST) {
         return file;
     }
@@ -111,9 +111,9 @@ posix::FileDescriptor WriterLock::make(const std::optional<struct stat>& status)
  * Gives the lock its name when others can open it, so that a process that is killed leaves nothing
  * that they cannot open. Not every file system, and not every sandbox, allows that.
  */
-posix::FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) const
+syscalls::FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& status) const
 {
-    posix::FileDescriptor file =
+    syscalls::FileDescriptor file =
         openFileAt(m_directory, ".", O_WRONLY | O_TMPFILE, firstMode(status));
     if (!file.isOpen()) {
         return file;
@@ -126,7 +126,7 @@ posix::FileDescriptor WriterLock::makeWhole(const std::optional<struct stat>& st
     return file;
 }
 
-bool WriterLock::leadsTo(const posix::FileDescriptor& file) const
+bool WriterLock::leadsTo(const syscalls::FileDescriptor& file) const
 {
     struct stat named
     {};

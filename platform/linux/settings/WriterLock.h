@@ -36,14 +36,14 @@ public:
 
 private:
     bool tryToLock(const std::optional<struct stat>& status);
-    posix::FileDescriptor open() const;
-    posix::FileDescriptor make(const std::optional<struct stat>& status) const;
-    posix::FileDescriptor makeWhole(const std::optional<struct stat>& status) const;
-    bool leadsTo(const posix::FileDescriptor& file) const;
+    syscalls::FileDescriptor open() const;
+    syscalls::FileDescriptor make(const std::optional<struct stat>& status) const;
+    syscalls::FileDescriptor makeWhole(const std::optional<struct stat>& status) const;
+    bool leadsTo(const syscalls::FileDescriptor& file) const;
 
     const int m_directory;
     const std::string m_name;
-    posix::FileDescriptor m_file;
+    syscalls::FileDescriptor m_file;
 };
 
 } // namespace settings

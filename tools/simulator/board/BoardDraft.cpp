@@ -25,7 +25,7 @@ Failure cannotCreate(const fs::path& place, int error)
 Directory parentOf(const fs::path& place)
 {
     const fs::path path = place.has_parent_path() ? place.parent_path() : fs::path(".");
-    posix::FileDescriptor parent(
+    syscalls::FileDescriptor parent(
         place.empty() ? -1 : ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!parent.isOpen()) {
         throw cannotCreate(place, place.empty() ? ENOENT : errno);
@@ -34,7 +34,8 @@ Directory parentOf(const fs::path& place)
 }
 
 /** Holds a draft; false when another program does, or when it is no draft any more. */
-bool holdDraft(const Directory& parent, const std::string& name, const posix::FileDescriptor& draft)
+bool holdDraft(const Directory& parent, const std::string& name,
+               const syscalls::FileDescriptor& draft)
 {
     struct stat opened
     {};
@@ -54,7 +55,7 @@ void discard(const Directory& parent, const std::string& name, const Directory& 
 
 void discardIfAbandoned(const Directory& parent, const std::string& name)
 {
-    posix::FileDescriptor draft = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
+    syscalls::FileDescriptor draft = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
     if (draft.isOpen() && holdDraft(parent, name, draft)) {
         discard(parent, name, {std::move(draft), parent.nameOf(name)});
     }
@@ -110,7 +111,7 @@ Directory BoardDraft::makeDraft()
         if (::mkdirat(m_parent.fd(), m_name.c_str(), any) != 0) {
             continue;
         }
-        posix::FileDescriptor draft = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
+        syscalls::FileDescriptor draft = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
         if (draft.isOpen() && holdDraft(m_parent, m_name, draft)) {
             return {std::move(draft), m_place};
         }

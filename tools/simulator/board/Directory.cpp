@@ -22,7 +22,7 @@ Failure failure(const char* purpose, const std::filesystem::path& name)
 
 std::optional<Directory> Directory::open(const std::filesystem::path& path)
 {
-    posix::FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | Flags));
+    syscalls::FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | Flags));
     if (!descriptor.isOpen()) {
         return std::nullopt;
     }
@@ -42,14 +42,14 @@ std::optional<struct stat> Directory::status(const std::string& entry) const
     throw failure("read", nameOf(entry));
 }
 
-posix::FileDescriptor Directory::openEntry(const std::string& entry, int flags) const
+syscalls::FileDescriptor Directory::openEntry(const std::string& entry, int flags) const
 {
-    return posix::FileDescriptor(::openat(fd(), entry.c_str(), flags | Flags, FileMode));
+    return syscalls::FileDescriptor(::openat(fd(), entry.c_str(), flags | Flags, FileMode));
 }
 
 std::optional<Directory> Directory::find(const std::string& entry) const
 {
-    posix::FileDescriptor descriptor = openEntry(entry, O_RDONLY | O_DIRECTORY);
+    syscalls::FileDescriptor descriptor = openEntry(entry, O_RDONLY | O_DIRECTORY);
     if (descriptor.isOpen()) {
         return Directory(std::move(descriptor), nameOf(entry));
     }
@@ -64,7 +64,7 @@ Directory Directory::make(const std::string& entry, mode_t mode) const
     if (::mkdirat(fd(), entry.c_str(), mode) != 0) {
         throw failure("create", nameOf(entry));
     }
-    posix::FileDescriptor descriptor = openEntry(entry, O_RDONLY | O_DIRECTORY);
+    syscalls::FileDescriptor descriptor = openEntry(entry, O_RDONLY | O_DIRECTORY);
     if (!descriptor.isOpen()) {
         throw failure("create", nameOf(entry));
     }
@@ -83,7 +83,7 @@ Directory Directory::makeShared(const std::string& entry) const
 
 void Directory::createFile(const std::string& entry, const std::string& contents) const
 {
-    const posix::FileDescriptor file = openEntry(entry, O_WRONLY | O_CREAT | O_EXCL);
+    const syscalls::FileDescriptor file = openEntry(entry, O_WRONLY | O_CREAT | O_EXCL);
     if (!file.isOpen()) {
         throw failure("create", nameOf(entry));
     }

@@ -25,7 +25,7 @@ public:
     static std::optional<Directory> open(const std::filesystem::path& path);
 
     /** @param name  what messages call it */
-    Directory(posix::FileDescriptor descriptor, std::filesystem::path name)
+    Directory(syscalls::FileDescriptor descriptor, std::filesystem::path name)
         : m_descriptor(std::move(descriptor)), m_name(std::move(name))
     {}
 
@@ -37,7 +37,7 @@ public:
     std::optional<struct stat> status(const std::string& entry) const;
 
     /** Opens an entry, following no link; the error's number is in errno if that fails. */
-    posix::FileDescriptor openEntry(const std::string& entry, int flags) const;
+    syscalls::FileDescriptor openEntry(const std::string& entry, int flags) const;
 
     /** A directory in this one; nothing when there is none. */
     std::optional<Directory> find(const std::string& entry) const;
@@ -52,7 +52,7 @@ public:
     void createFile(const std::string& entry, const std::string& contents) const;
 
 private:
-    posix::FileDescriptor m_descriptor;
+    syscalls::FileDescriptor m_descriptor;
     std::filesystem::path m_name;
 };
 

@@ -43,7 +43,7 @@ bool tryToRemove(int directory, const char* name)
         return true;
     }
     const int error = errno;
-    const posix::FileDescriptor child(
+    const syscalls::FileDescriptor child(
         ::openat(directory, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (child.isOpen()) {
         removeAll(child.get());

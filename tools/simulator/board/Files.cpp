@@ -24,10 +24,10 @@ std::string quoted(const fs::path& path)
     return "'" + path.string() + "'";
 }
 
-std::string readFile(const posix::FileDescriptor& file, const fs::path& path, std::size_t size)
+std::string readFile(const syscalls::FileDescriptor& file, const fs::path& path, std::size_t size)
 {
     std::string contents(size, '\0');
-    const ssize_t count = posix::readFully(file.get(), contents.data(), size);
+    const ssize_t count = syscalls::readFully(file.get(), contents.data(), size);
     if (count == -1) {
         throw Failure("cannot read " + quoted(path), errno);
     }
@@ -36,7 +36,7 @@ std::string readFile(const posix::FileDescriptor& file, const fs::path& path, st
 }
 
 /** Devices give their memory to a mapping only; reading them has another meaning. */
-std::string readMapped(const posix::FileDescriptor& file, const fs::path& path, std::size_t size)
+std::string readMapped(const syscalls::FileDescriptor& file, const fs::path& path, std::size_t size)
 {
     void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.get(), 0);
     if (memory == MAP_FAILED) {
@@ -57,7 +57,7 @@ std::string readMapped(const posix::FileDescriptor& file, const fs::path& path, 
 
 std::string readStart(const fs::path& path, std::size_t size)
 {
-    const posix::FileDescriptor file(
+    const syscalls::FileDescriptor file(
         ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     struct stat status
     {};
@@ -67,7 +67,7 @@ std::string readStart(const fs::path& path, std::size_t size)
     return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
 }
 
-void write(const posix::FileDescriptor& file, const fs::path& name, const std::string& contents)
+void write(const syscalls::FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
     std::size_t done = 0;
     while (done < contents.size()) {
@@ -80,7 +80,8 @@ void write(const posix::FileDescriptor& file, const fs::path& name, const std::s
     }
 }
 
-void replace(const posix::FileDescriptor& file, const fs::path& name, const std::string& contents)
+void replace(const syscalls::FileDescriptor& file, const fs::path& name,
+             const std::string& contents)
 {
     if (::ftruncate(file.get(), 0) != 0) {
         throw Failure("cannot write " + quoted(name), errno);

@@ -18,11 +18,11 @@ namespace files
 std::string readStart(const std::filesystem::path& path, std::size_t size);
 
 /** Writes bytes where an open file stands. */
-void write(const posix::FileDescriptor& file, const std::filesystem::path& name,
+void write(const syscalls::FileDescriptor& file, const std::filesystem::path& name,
            const std::string& contents);
 
 /** Makes an open file hold just this. */
-void replace(const posix::FileDescriptor& file, const std::filesystem::path& name,
+void replace(const syscalls::FileDescriptor& file, const std::filesystem::path& name,
              const std::string& contents);
 
 } // namespace files

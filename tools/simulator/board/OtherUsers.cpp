@@ -95,7 +95,7 @@ private:
         // The start "." is left out of what messages show.
         const fs::path name = m_current.name() == "." ? fs::path(step) : m_current.nameOf(step);
         const std::string entry = pathTo(step);
-        posix::FileDescriptor next = m_current.openEntry(entry, O_RDONLY | O_DIRECTORY);
+        syscalls::FileDescriptor next = m_current.openEntry(entry, O_RDONLY | O_DIRECTORY);
         if (next.isOpen()) {
             m_current = Directory(std::move(next), name);
             require(statusOf(m_current), Sharing::Allowed, name);

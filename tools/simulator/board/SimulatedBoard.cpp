@@ -43,7 +43,7 @@ void requireFile(const struct stat& status, const Path& name, std::size_t size)
 /** Opens a file, when there is one. It must have at least this size. */
 BoardFile findFile(const Directory& directory, const std::string& entry, std::size_t size)
 {
-    BoardFile file{posix::FileDescriptor(), directory.nameOf(entry)};
+    BoardFile file{syscalls::FileDescriptor(), directory.nameOf(entry)};
     const std::optional<struct stat> found = directory.status(entry);
     if (!found) {
         return file;

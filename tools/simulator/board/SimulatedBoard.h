@@ -9,7 +9,7 @@
 /** A file of a board, open for writing. */
 struct BoardFile
 {
-    posix::FileDescriptor descriptor; /**< Not open when there is no such file yet. */
+    syscalls::FileDescriptor descriptor; /**< Not open when there is no such file yet. */
     std::filesystem::path name;
 };
 

@@ -22,7 +22,7 @@ struct ShowArguments
 Directory openToLook(const std::string& path)
 {
     const Board board = Board::at(path);
-    posix::FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    syscalls::FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!directory.isOpen()) {
         throw Failure("cannot read '" + path + "'", errno);
     }

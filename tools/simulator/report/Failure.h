@@ -15,7 +15,7 @@ public:
     using std::runtime_error::runtime_error;
     /** A failed system call: "<what>: <text of the error>". */
     Failure(const std::string& what, int error)
-        : std::runtime_error(what + ": " + posix::errnoText(error).c_str())
+        : std::runtime_error(what + ": " + syscalls::errnoText(error).c_str())
     {}
     /** A failed call that names no file has looked for the working directory. */
     explicit Failure(const std::filesystem::filesystem_error& error)

@@ -42,10 +42,10 @@ struct Message
 };
 
 /** A closed stream cannot be given away; the null device stands for it. */
-posix::FileDescriptor openIfClosed(int stream)
+syscalls::FileDescriptor openIfClosed(int stream)
 {
     const bool closed = ::fcntl(stream, F_GETFD) == -1;
-    return posix::FileDescriptor(closed ? ::open("/dev/null", O_RDWR | O_CLOEXEC) : -1);
+    return syscalls::FileDescriptor(closed ? ::open("/dev/null", O_RDWR | O_CLOEXEC) : -1);
 }
 
 bool takeStandardStreams(int socket)
@@ -112,10 +112,10 @@ std::vector<std::string> wordsToRunCommand(int socket)
     return {ownProgram(), Mark, std::to_string(socket)};
 }
 
-void sendStandardStreams(const posix::FileDescriptor& socket)
+void sendStandardStreams(const syscalls::FileDescriptor& socket)
 {
     Streams streams{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
-    std::array<posix::FileDescriptor, 3> substitutes;
+    std::array<syscalls::FileDescriptor, 3> substitutes;
     for (std::size_t i = 0; i < streams.size(); ++i) {
         substitutes[i] = openIfClosed(streams[i]);
         streams[i] = substitutes[i].isOpen() ? substitutes[i].get() : streams[i];

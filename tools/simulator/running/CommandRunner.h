@@ -19,7 +19,7 @@ std::filesystem::path ownProgram();
 std::vector<std::string> wordsToRunCommand(int socket);
 
 /** Gives the standard streams to the other end of a socket. @throws Failure */
-void sendStandardStreams(const posix::FileDescriptor& socket);
+void sendStandardStreams(const syscalls::FileDescriptor& socket);
 
 /** Whether these are the arguments of a program that was started so. */
 bool isCommandRunner(const std::vector<std::string>& arguments);

@@ -28,7 +28,7 @@ std::optional<fs::path> find(const std::string& program)
 /** What bubblewrap says when it does the same for a command that does nothing; empty: it can. */
 std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::string> words)
 {
-    const posix::FileDescriptor complaints = makeScratchFile();
+    const syscalls::FileDescriptor complaints = makeScratchFile();
     words.insert(words.begin(), "bwrap");
     words.insert(words.end(), {"--", "/bin/true"});
     // There is no status where the parent ignores it.

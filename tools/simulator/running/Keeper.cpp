@@ -45,7 +45,7 @@ public:
         }
     }
 
-    const posix::FileDescriptor& reports() const { return m_started.reports; }
+    const syscalls::FileDescriptor& reports() const { return m_started.reports; }
     /** Reads what there is in the reports. */
     void takeReports();
     /** Takes note of all processes that ended. */
@@ -94,7 +94,7 @@ void Family::takeReports()
         m_reportText.append(buffer.data(), static_cast<std::size_t>(count));
     }
     if (count == 0) {
-        m_started.reports = posix::FileDescriptor();
+        m_started.reports = syscalls::FileDescriptor();
     }
     if (m_command == -1) {
         m_command = reported("child-pid").value_or(-1);
@@ -204,7 +204,7 @@ void Family::waitForCommand()
 
 } // namespace
 
-int keep(const Launch& launch, posix::FileDescriptor orders, const Signals& signals)
+int keep(const Launch& launch, syscalls::FileDescriptor orders, const Signals& signals)
 {
     Family family(launch, signals);
     for (;;) {

@@ -12,6 +12,6 @@
  *                 was started is killed
  * @return the exit status
  */
-int keep(const Launch& launch, posix::FileDescriptor orders, const Signals& signals);
+int keep(const Launch& launch, syscalls::FileDescriptor orders, const Signals& signals);
 
 #endif

@@ -47,7 +47,7 @@ void add(Words& words, const Words& more)
     words.insert(words.end(), more.begin(), more.end());
 }
 
-void passOn(const posix::FileDescriptor& file)
+void passOn(const syscalls::FileDescriptor& file)
 {
     ::fcntl(file.get(), F_SETFD, 0);
 }
@@ -68,8 +68,8 @@ Started startBubblewrap(const Launch& launch, const Signals& signals)
         throw Failure("cannot make a pipe", errno);
     }
     Started started;
-    started.reports = posix::FileDescriptor(ends[0]);
-    const posix::FileDescriptor writing(ends[1]);
+    started.reports = syscalls::FileDescriptor(ends[0]);
+    const syscalls::FileDescriptor writing(ends[1]);
     started.process = forkOrThrow();
     if (started.process == 0) {
         passOn(writing);
@@ -92,9 +92,9 @@ Started startProot(const Launch& launch, const Signals& signals)
         throw Failure("cannot make a pair of sockets", errno);
     }
     Started started;
-    started.reports = posix::FileDescriptor(ends[0]);
+    started.reports = syscalls::FileDescriptor(ends[0]);
     started.complaints = makeScratchFile();
-    const posix::FileDescriptor far(ends[1]);
+    const syscalls::FileDescriptor far(ends[1]);
     sendStandardStreams(started.reports);
     started.process = forkOrThrow();
     if (started.process == 0) {
@@ -158,7 +158,7 @@ int waitForEnd(pid_t process)
     return exitStatus(status);
 }
 
-void leaveStandardStreams(const posix::FileDescriptor& complaints)
+void leaveStandardStreams(const syscalls::FileDescriptor& complaints)
 {
     const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(nothing, STDIN_FILENO);
@@ -166,16 +166,16 @@ void leaveStandardStreams(const posix::FileDescriptor& complaints)
     ::dup2(complaints.get(), STDERR_FILENO);
 }
 
-posix::FileDescriptor makeScratchFile()
+syscalls::FileDescriptor makeScratchFile()
 {
-    posix::FileDescriptor file(::memfd_create("complaints", MFD_CLOEXEC));
+    syscalls::FileDescriptor file(::memfd_create("complaints", MFD_CLOEXEC));
     if (!file.isOpen()) {
         throw Failure("cannot make a file in memory", errno);
     }
     return file;
 }
 
-std::string firstLine(const posix::FileDescriptor& scratch)
+std::string firstLine(const syscalls::FileDescriptor& scratch)
 {
     std::array<char, 1024> buffer{};
     const ssize_t count = ::pread(scratch.get(), buffer.data(), buffer.size(), 0);

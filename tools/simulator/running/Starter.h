@@ -16,9 +16,9 @@ struct Started
 {
     pid_t process = -1;
     /** Where it writes "child-pid" and "exit-code" of the command; none when it becomes that. */
-    posix::FileDescriptor reports;
+    syscalls::FileDescriptor reports;
     /** What it complains of, where that is kept from standard error. */
-    posix::FileDescriptor complaints;
+    syscalls::FileDescriptor complaints;
 };
 
 /** @throws Failure */
@@ -31,12 +31,12 @@ int become(const std::filesystem::path& program, const std::vector<std::string>&
 int waitForEnd(pid_t process);
 
 /** Reads nothing and writes nothing but complaints from here on, and those into this file. */
-void leaveStandardStreams(const posix::FileDescriptor& complaints);
+void leaveStandardStreams(const syscalls::FileDescriptor& complaints);
 
 /** A file without a name, to be written by another process. @throws Failure */
-posix::FileDescriptor makeScratchFile();
+syscalls::FileDescriptor makeScratchFile();
 
 /** The first line of such a file. */
-std::string firstLine(const posix::FileDescriptor& scratch);
+std::string firstLine(const syscalls::FileDescriptor& scratch);
 
 #endif

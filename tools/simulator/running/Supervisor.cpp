@@ -18,7 +18,7 @@
 namespace
 {
 
-int keepOrComplain(const Launch& launch, posix::FileDescriptor orders, const Signals& signals)
+int keepOrComplain(const Launch& launch, syscalls::FileDescriptor orders, const Signals& signals)
 {
     try {
         return keep(launch, std::move(orders), signals);
@@ -40,7 +40,7 @@ public:
     bool hasEnded(int& status) const;
 
 private:
-    posix::FileDescriptor m_orders;
+    syscalls::FileDescriptor m_orders;
     pid_t m_process = -1;
 };
 
@@ -50,14 +50,14 @@ Keeper::Keeper(const Launch& launch, const Signals& signals)
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         throw Failure("cannot make a pair of sockets", errno);
     }
-    m_orders = posix::FileDescriptor(ends[0]);
-    posix::FileDescriptor orders(ends[1]);
+    m_orders = syscalls::FileDescriptor(ends[0]);
+    syscalls::FileDescriptor orders(ends[1]);
     m_process = ::fork();
     if (m_process == -1) {
         throw Failure("cannot start a process", errno);
     }
     if (m_process == 0) {
-        m_orders = posix::FileDescriptor();
+        m_orders = syscalls::FileDescriptor();
         ::_exit(keepOrComplain(launch, std::move(orders), signals));
     }
 }

@@ -9,7 +9,7 @@ namespace os::bsp
 
 ssize_t Bsp_readHelper(int fd, void* buffer, std::size_t size)
 {
-    posix::FullRead reading(fd, buffer, size);
+    syscalls::FullRead reading(fd, buffer, size);
     while (!reading.isDone()) {
         const ssize_t result = reading.step();
         TRACE_MESSAGE(bspTrace, trace::Detail, "Read " << result << " bytes");

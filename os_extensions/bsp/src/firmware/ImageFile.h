@@ -20,7 +20,7 @@ inline const char* printable(const char* text)
     return text == nullptr ? "(null)" : text;
 }
 
-/** posix::readFully, each step of which is traced. */
+/** syscalls::readFully, each step of which is traced. */
 ssize_t Bsp_readHelper(int fd, void* buffer, std::size_t size);
 
 } // namespace os::bsp

@@ -87,7 +87,7 @@ int Bsp_inflateArchive(int fd, std::FILE* file)
         const ssize_t count = Bsp_readHelper(fd, input.bytes.data(), ChunkSize);
         if (count == -1) {
             TRACE_MESSAGE(bspTrace, trace::Error,
-                          "Read failed with errno = " << posix::errnoText(errno));
+                          "Read failed with errno = " << syscalls::errnoText(errno));
             return -1;
         }
         if (count == 0) {

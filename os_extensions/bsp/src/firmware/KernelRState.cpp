@@ -56,7 +56,7 @@ int Bsp_getKernelRState(const char* fileName, char* rstate, unsigned int size)
         TRACE_MESSAGE(bspTrace, trace::Error, "Undefined filename");
         return -1;
     }
-    const posix::FileDescriptor image(::open(fileName, O_RDONLY | O_CLOEXEC));
+    const syscalls::FileDescriptor image(::open(fileName, O_RDONLY | O_CLOEXEC));
     if (!image.isOpen()) {
         TRACE_MESSAGE(bspTrace, trace::Error, "Could not open file: " << fileName);
         return -1;

@@ -37,7 +37,7 @@ public:
     ~Mapping()
     {
         if (isValid()) {
-            const posix::ErrnoKeeper errnoKeeper;
+            const syscalls::ErrnoKeeper errnoKeeper;
             // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): munmap's interface
             ::munmap(const_cast<char*>(m_bytes.data()), m_bytes.size());
         }
@@ -139,13 +139,13 @@ int Bsp_findLinuxVersion(std::FILE* file, char* rstate)
     TRACE_ENTER(bspTrace);
     if (std::fseek(file, 0, SEEK_SET) != 0) {
         TRACE_MESSAGE(bspTrace, trace::Error,
-                      "fseek failed with errno = " << posix::errnoText(errno));
+                      "fseek failed with errno = " << syscalls::errnoText(errno));
     }
     const int fd = ::fileno(file);
     const off_t size = sizeOf(fd);
     if (size == -1) {
         TRACE_MESSAGE(bspTrace, trace::Error,
-                      "fstat failed with errno = " << posix::errnoText(errno));
+                      "fstat failed with errno = " << syscalls::errnoText(errno));
     }
     const Mapping mapping(fd, size);
     if (!mapping.isValid()) {

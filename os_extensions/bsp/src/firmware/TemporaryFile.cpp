@@ -96,18 +96,18 @@ int claim(int fd, const char* path)
 }
 
 /** Makes the file, locked. On failure errno is EEXIST when there is one. */
-posix::FileDescriptor make(const char* path)
+syscalls::FileDescriptor make(const char* path)
 {
     // Nobody else may write to it: it is going to be mapped.
     constexpr mode_t Mode = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
-    posix::FileDescriptor file(::open(path, O_RDWR | O_CREAT | O_EXCL | CommonFlags, Mode));
+    syscalls::FileDescriptor file(::open(path, O_RDWR | O_CREAT | O_EXCL | CommonFlags, Mode));
     const int error = file.isOpen() ? claim(file.get(), path) : 0;
     if (error == 0) {
         return file;
     }
     giveUp(file.get(), path);
     errno = error;
-    return posix::FileDescriptor(-1);
+    return syscalls::FileDescriptor(-1);
 }
 
 /**
@@ -154,7 +154,7 @@ bool makeWay(const char* path, const Patience& patience)
         return false;
     }
     const int access = named.st_uid == ::geteuid() ? O_RDWR : O_RDONLY;
-    const posix::FileDescriptor file(::open(path, access | CommonFlags));
+    const syscalls::FileDescriptor file(::open(path, access | CommonFlags));
     if (file.isOpen() && lock(file.get())) {
         return removeUnused(file.get(), named, path, patience);
     }
@@ -170,13 +170,13 @@ bool makeWay(const char* path, const Patience& patience)
 }
 
 /** Makes the file, locked, as soon as nobody else uses one of that name. */
-posix::FileDescriptor makeAlone(const char* path)
+syscalls::FileDescriptor makeAlone(const char* path)
 {
     const Patience patience;
     // Somebody else may be faster again and again.
     constexpr int TriesWithoutPatience = 100;
     for (int tries = TriesWithoutPatience; tries > 0; tries -= patience.isOver() ? 1 : 0) {
-        posix::FileDescriptor file = make(path);
+        syscalls::FileDescriptor file = make(path);
         if (file.isOpen()) {
             return file;
         }
@@ -186,12 +186,12 @@ posix::FileDescriptor makeAlone(const char* path)
             break;
         }
     }
-    return posix::FileDescriptor(-1);
+    return syscalls::FileDescriptor(-1);
 }
 
 std::FILE* openStream(const char* path)
 {
-    posix::FileDescriptor file = makeAlone(path);
+    syscalls::FileDescriptor file = makeAlone(path);
     if (!file.isOpen()) {
         return nullptr;
     }
@@ -211,7 +211,7 @@ TemporaryFile::TemporaryFile(const char* path) : m_path(path), m_stream(openStre
 TemporaryFile::~TemporaryFile()
 {
     if (m_stream != nullptr) {
-        const posix::ErrnoKeeper errnoKeeper;
+        const syscalls::ErrnoKeeper errnoKeeper;
         giveUp(::fileno(m_stream), m_path);
         static_cast<void>(std::fclose(m_stream));
     }

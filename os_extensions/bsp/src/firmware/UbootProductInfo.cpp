@@ -20,13 +20,13 @@ using os::bsp::bspTrace;
 namespace
 {
 
-posix::FileDescriptor openDevice(const char* name)
+syscalls::FileDescriptor openDevice(const char* name)
 {
     if (name == nullptr) {
         errno = EFAULT;
-        return posix::FileDescriptor(-1);
+        return syscalls::FileDescriptor(-1);
     }
-    return posix::FileDescriptor(::open(name, O_RDONLY | O_CLOEXEC));
+    return syscalls::FileDescriptor(::open(name, O_RDONLY | O_CLOEXEC));
 }
 
 /** All the memory that the machine has. */
@@ -94,24 +94,24 @@ int Bsp_getUbootProductInfo(const char* deviceName, char* productNumber,
     if (productNumberSize == 0 || rstateSize == 0) {
         return -1;
     }
-    const posix::FileDescriptor device = openDevice(deviceName);
+    const syscalls::FileDescriptor device = openDevice(deviceName);
     if (!device.isOpen()) {
         TRACE_MESSAGE(bspTrace, trace::Error,
                       "Failed to open u-boot device with name "
                           << os::bsp::printable(deviceName)
-                          << ". errno = " << posix::errnoText(errno));
+                          << ". errno = " << syscalls::errnoText(errno));
         return -1;
     }
     const off_t size = ::lseek(device.get(), 0, SEEK_END);
     if (size == -1) {
         TRACE_MESSAGE(bspTrace, trace::Error,
                       "Failed to get size of " << deviceName
-                                               << ". errno = " << posix::errnoText(errno));
+                                               << ". errno = " << syscalls::errnoText(errno));
         return -1;
     }
     if (::lseek(device.get(), 0, SEEK_SET) == -1) {
         TRACE_MESSAGE(bspTrace, trace::Error,
-                      "Failed to set file offset. errno = " << posix::errnoText(errno));
+                      "Failed to set file offset. errno = " << syscalls::errnoText(errno));
         return -1;
     }
     const std::uintmax_t room = static_cast<std::uintmax_t>(size) + 1;
@@ -124,7 +124,7 @@ int Bsp_getUbootProductInfo(const char* deviceName, char* productNumber,
         os::bsp::Bsp_readHelper(device.get(), image.get(), static_cast<std::size_t>(size));
     if (count == -1) {
         TRACE_MESSAGE(bspTrace, trace::Error,
-                      "Failed to read file. errno = " << posix::errnoText(errno));
+                      "Failed to read file. errno = " << syscalls::errnoText(errno));
         return -1;
     }
     image[static_cast<std::size_t>(count)] = '\0';

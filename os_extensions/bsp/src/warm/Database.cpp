@@ -130,7 +130,7 @@ void WarmDatabase::memoryMapTheDatabase()
     m_mappedMemory = allocatePrivate(AreaSize);
     TRACE_MESSAGE(
         warmDatabaseTrace, trace::Error,
-        "Error during initialization of warm area, error: " << posix::errnoText(mappingError));
+        "Error during initialization of warm area, error: " << syscalls::errnoText(mappingError));
     assert(m_mappedMemory != nullptr);
 }
 
@@ -150,7 +150,7 @@ bool WarmDatabase::initDatabaseSemaphore()
         }
     }
     TRACE_MESSAGE(warmDatabaseTrace, trace::Error,
-                  "error in sem_open error: " << posix::errnoText(errno));
+                  "error in sem_open error: " << syscalls::errnoText(errno));
     return false;
 }
 
@@ -183,7 +183,7 @@ void WarmDatabase::initBlockSynchronization()
         return;
     }
     TRACE_MESSAGE(warmDatabaseTrace, trace::Error,
-                  "error in shm_open error: " << posix::errnoText(errno));
+                  "error in shm_open error: " << syscalls::errnoText(errno));
     m_blockSync = allocatePrivate(SyncAreaSize);
     assert(m_blockSync != nullptr);
 }

@@ -1,11 +1,11 @@
-#ifndef POSIX_ERRNOTEXT_H
-#define POSIX_ERRNOTEXT_H
+#ifndef SYSCALLS_ERRNOTEXT_H
+#define SYSCALLS_ERRNOTEXT_H
 
 #include <array>
 #include <cstring>
 #include <string_view>
 
-namespace posix
+namespace syscalls
 {
 
 /** The system's text for an errno value; needs no memory. */
@@ -34,6 +34,6 @@ inline ErrnoText errnoText(int error) noexcept
     return ErrnoText(error);
 }
 
-} // namespace posix
+} // namespace syscalls
 
 #endif

@@ -1,5 +1,5 @@
-#ifndef POSIX_FILEDESCRIPTOR_H
-#define POSIX_FILEDESCRIPTOR_H
+#ifndef SYSCALLS_FILEDESCRIPTOR_H
+#define SYSCALLS_FILEDESCRIPTOR_H
 
 #include "ErrnoKeeper.h"
 
@@ -7,7 +7,7 @@
 
 #include <unistd.h>
 
-namespace posix
+namespace syscalls
 {
 
 /** Owner of an open file descriptor; -1 is none. Closing it leaves errno alone. */
@@ -39,6 +39,6 @@ private:
     int m_fd = -1;
 };
 
-} // namespace posix
+} // namespace syscalls
 
 #endif

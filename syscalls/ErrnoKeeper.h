@@ -1,9 +1,9 @@
-#ifndef POSIX_ERRNOKEEPER_H
-#define POSIX_ERRNOKEEPER_H
+#ifndef SYSCALLS_ERRNOKEEPER_H
+#define SYSCALLS_ERRNOKEEPER_H
 
 #include <cerrno>
 
-namespace posix
+namespace syscalls
 {
 
 /** Gives errno back, at the end of its scope, the value that it had at the beginning. */
@@ -21,6 +21,6 @@ private:
     const int m_errno;
 };
 
-} // namespace posix
+} // namespace syscalls
 
 #endif

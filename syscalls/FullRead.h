@@ -1,5 +1,5 @@
-#ifndef POSIX_FULLREAD_H
-#define POSIX_FULLREAD_H
+#ifndef SYSCALLS_FULLREAD_H
+#define SYSCALLS_FULLREAD_H
 
 #include <cerrno>
 #include <cstddef>
@@ -7,7 +7,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-namespace posix
+namespace syscalls
 {
 
 /**
@@ -65,6 +65,6 @@ inline ssize_t readFully(int fd, void* buffer, std::size_t size) noexcept
     return reading.result();
 }
 
-} // namespace posix
+} // namespace syscalls
 
 #endif
