@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/personality.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -63,9 +64,11 @@ public:
     {
         int status = 0;
         while (true) {
-            if (::waitpid(m_process, &status, 0) != m_process) {
-                fail("waitpid");
+            struct rusage usage = {};
+            if (::wait4(m_process, &status, 0, &usage) != m_process) {
+                fail("wait4");
             }
+            m_run.pageFaults = usage.ru_minflt;
             if (WIFEXITED(status) || WIFSIGNALED(status)) {
                 break;
             }
@@ -94,6 +97,8 @@ private:
         ::close(nothing);
         ::dup2(m_out.fd(), STDOUT_FILENO);
         ::dup2(m_err.fd(), STDERR_FILENO);
+        // What the program costs does not depend on where it lies.
+        ::personality(ADDR_NO_RANDOMIZE);
         const struct rlimit noCore = {0, 0};
         ::setrlimit(RLIMIT_CORE, &noCore);
         const struct itimerval timer = {{0, 0},

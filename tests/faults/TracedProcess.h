@@ -50,6 +50,7 @@ struct ProgramRun
     int status; /**< Exit status; 128 + N after signal N. */
     std::vector<Call> calls;
     std::vector<std::string> openFiles; /**< Open when it exited. */
+    long pageFaults; /**< Of its whole life, without those that waited for a disk. */
 };
 
 constexpr std::chrono::milliseconds LongestRun = std::chrono::seconds(20);
