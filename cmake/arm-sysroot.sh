@@ -1,17 +1,17 @@
 #!/bin/sh
 # Unpacks the libraries of the target that the cross compiler does not bring: zlib, CLI11.
-# usage: cmake/arm-sysroot.sh DIRECTORY
+# usage: cmake/arm-sysroot.sh DIRECTORY [SECTION]
 #
+# SECTION of packaging/requirements, sysroot if not given, names the packages.
 # apt works on lists and a package database of its own here, so the host learns of no second
 # architecture. A directory that is complete is left as it is.
 set -eu
 
-packages=$(sed -n 's/^sysroot: //p' "$(dirname "$0")/../packaging/requirements")
-
-if [ $# -ne 1 ]; then
-    echo "usage: $0 DIRECTORY" >&2
+if [ $# -lt 1 ] || [ $# -gt 2 ]; then
+    echo "usage: $0 DIRECTORY [SECTION]" >&2
     exit 2
 fi
+packages=$(sed -n "s/^${2:-sysroot}: //p" "$(dirname "$0")/../packaging/requirements")
 mkdir -p "$1"
 root=$(cd "$1" && pwd)
 
