@@ -63,7 +63,7 @@ int openSyncArea(int flags, mode_t mode)
 void initSyncSlots(unsigned char* slots)
 {
     for (unsigned int i = 0; i < NumberOfBlocks; ++i) {
-        initSharedMutex(*reinterpret_cast<pthread_mutex_t*>(slots + i * SyncSlotSize));
+        initSharedMutex(reinterpret_cast<pthread_mutex_t*>(slots + i * SyncSlotSize));
     }
 }
 

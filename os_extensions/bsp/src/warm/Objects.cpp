@@ -37,7 +37,7 @@ std::mutex* syncSlot(unsigned char* slots, unsigned int index)
 {
     return slots == nullptr
                ? nullptr
-               : &lockable(*reinterpret_cast<pthread_mutex_t*>(slots + index * SyncSlotSize));
+               : lockable(reinterpret_cast<pthread_mutex_t*>(slots + index * SyncSlotSize));
 }
 
 /**

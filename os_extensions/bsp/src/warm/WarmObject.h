@@ -102,7 +102,7 @@ template <typename Value> struct WarmObject
             } else if (found != nullptr) {
                 warmobject::reportInitialization(id);
                 found->value = initial;
-                initSharedMutex(found->mutex);
+                initSharedMutex(&found->mutex);
             }
         } catch (const std::exception& exception) {
             warmobject::reportException(id, &exception);
@@ -113,7 +113,7 @@ template <typename Value> struct WarmObject
     }
 
     /** Locks the value, against all processes, for the life of the guard. */
-    std::lock_guard<std::mutex> lock() { return std::lock_guard<std::mutex>(lockable(mutex)); }
+    std::lock_guard<std::mutex> lock() { return std::lock_guard<std::mutex>(*lockable(&mutex)); }
 
     Value value;
     pthread_mutex_t mutex;
