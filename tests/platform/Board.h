@@ -12,11 +12,15 @@
 namespace testsupport
 {
 
-/** A board directory of the test case's own, which the stand-ins of this process serve. */
+/**
+ * A board directory of the test case's own, which the stand-ins of this process serve. It is in
+ * memory, because who stores a setting waits for the disk, and others wait for him, but not for
+ * ever.
+ */
 class Board : public TemporaryDirectory
 {
 public:
-    Board() { ::setenv("BSP_BOARD_DIR", path().c_str(), 1); }
+    Board() : TemporaryDirectory("/dev/shm") { ::setenv("BSP_BOARD_DIR", path().c_str(), 1); }
 
     /** Fills an entry. */
     void write(const std::string& name, const std::string& contents) const

@@ -349,7 +349,7 @@ TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
 
 TEST_F(ConfigProcesses, ReadAndWriteAtOnce)
 {
-    constexpr int Writes = 10; // each of them waits for the disk
+    constexpr int Writes = 20;
     const auto writer = [](int id) {
         bool isFine = true;
         for (int i = 0; i < Writes; ++i) {
