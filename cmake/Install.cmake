@@ -22,13 +22,13 @@ install(FILES ${BSP_HW_VARIANT_HEADER}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/bsp COMPONENT development)
 
 if(BSP_BUILD_TOOLS)
-  install(TARGETS bsp_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(TARGETS bsp_tool bsp_diag RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(FILES ${PROJECT_BINARY_DIR}/bin/led ${PROJECT_BINARY_DIR}/bin/rstate
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   set(bsp_manual ${PROJECT_SOURCE_DIR}/docs/man)
-  install(FILES ${bsp_manual}/bsp.1 ${bsp_manual}/led.1 ${bsp_manual}/rstate.1
+  install(FILES ${bsp_manual}/bsp.1 ${bsp_manual}/bsp-diag.1 ${bsp_manual}/led.1 ${bsp_manual}/rstate.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-  set(bsp_completed led rstate)
+  set(bsp_completed bsp-diag led rstate)
 
   # There are boards to make only where the stand-ins serve them.
   if(TARGET bsp_board)

@@ -1,7 +1,7 @@
 #include "StandardStreams.h"
+#include "UsageText.h"
 #include "commands/Commands.h"
 #include "report/Failure.h"
-#include "report/UsageText.h"
 #include "running/CommandRunner.h"
 
 #include <algorithm>

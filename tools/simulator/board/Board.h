@@ -5,6 +5,7 @@
 #include "Hardware.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -51,5 +52,8 @@ public:
 private:
     std::filesystem::path m_directory;
 };
+
+/** The cause of the last restart, from a board's registers. @throws Failure */
+std::uint32_t resetCauseOf(const Board& board);
 
 #endif

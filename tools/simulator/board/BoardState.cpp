@@ -103,7 +103,8 @@ void keepOthersFromWriting()
 
 } // namespace
 
-void createBoard(const std::filesystem::path& place, const std::string& eeprom)
+void createBoard(const std::filesystem::path& place, const std::string& eeprom,
+                 const std::function<void(const Directory&)>& finish)
 {
     keepOthersFromWriting();
     BoardDraft draft(place);
@@ -112,6 +113,7 @@ void createBoard(const std::filesystem::path& place, const std::string& eeprom)
     board.createFile(entry::Dtcm, std::string(Board::DtcmSize, '\0'));
     board.createFile(entry::Registers, std::string(Board::RegistersSize, '\0'));
     restartBoard(board, ResetType::Cold);
+    finish(board);
     draft.publish();
 }
 

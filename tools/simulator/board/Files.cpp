@@ -67,6 +67,22 @@ std::string readStart(const fs::path& path, std::size_t size)
     return S_ISCHR(status.st_mode) ? readMapped(file, path, size) : readFile(file, path, size);
 }
 
+std::string readExactly(const fs::path& path, std::size_t size)
+{
+    std::string bytes = readStart(path, size);
+    if (bytes.size() < size) {
+        throw Failure(quoted(path) + " has " + std::to_string(bytes.size()) + " bytes instead of " +
+                      std::to_string(size));
+    }
+    return bytes;
+}
+
+bool isThere(const fs::path& path)
+{
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
 void write(const syscalls::FileDescriptor& file, const fs::path& name, const std::string& contents)
 {
     std::size_t done = 0;

@@ -1,13 +1,16 @@
 #include "commands/Commands.h"
 
 #include "Hardware.h"
+#include "HardwareCode.h"
 #include "Products.h"
 #include "board/BoardState.h"
-#include "board/HardwareCode.h"
+#include "board/CapsuleBoard.h"
+#include "board/Files.h"
 #include "report/Failure.h"
 
 #include <algorithm>
 #include <charconv>
+#include <iostream>
 #include <memory>
 
 namespace
@@ -21,6 +24,7 @@ struct CreateArguments
     std::string product;
     std::string variant = std::to_string(hardware::DefaultVariant);
     std::string code;
+    std::string capsule;
 };
 
 std::string codeOfVariant(const std::string& number)
@@ -62,7 +66,7 @@ std::string parsedCode(const std::string& text)
 void requireOneChoice(const CLI::App& command)
 {
     std::string chosen;
-    for (const char* option : {"--product", "--variant", "--code"}) {
+    for (const char* option : {"--product", "--variant", "--code", "--capsule"}) {
         if (command.count(option) == 0) {
             continue;
         }
@@ -85,6 +89,30 @@ std::string chosenCode(const CreateArguments& options, const CLI::App& command)
     return codeOfVariant(options.variant);
 }
 
+capsule::Contents readCapsule(const std::string& path)
+{
+    try {
+        constexpr std::size_t most = 16UL * 1024 * 1024;
+        return capsule::parse(files::readStart(path, most));
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& error) {
+        throw Failure("cannot use '" + path + "': " + error.what());
+    }
+}
+
+void create(const CreateArguments& options, const CLI::App& command)
+{
+    if (command.count("--capsule") == 0) {
+        createBoard(options.directory, chosenCode(options, command));
+        return;
+    }
+    requireOneChoice(command);
+    for (const std::string& what : createBoardOf(options.directory, readCapsule(options.capsule))) {
+        std::cout << "not carried over: " << what << '\n';
+    }
+}
+
 } // namespace
 
 void addCreateCommand(CLI::App& app)
@@ -102,6 +130,7 @@ void addCreateCommand(CLI::App& app)
         ->capture_default_str();
     command->add_option("--code", options->code,
                         "This hardware code, known or not: 16 hexadecimal digits");
-    command->callback(
-        [command, options] { createBoard(options->directory, chosenCode(*options, *command)); });
+    command->add_option("--capsule", options->capsule,
+                        "The board of this capsule, which 'bsp-diag capture' wrote");
+    command->callback([command, options] { create(*options, *command); });
 }

@@ -1,6 +1,7 @@
 #include "commands/Commands.h"
 
 #include "board/BoardAccess.h"
+#include "report/BoardDocument.h"
 #include "report/BoardReport.h"
 #include "report/Failure.h"
 
@@ -16,6 +17,7 @@ struct ShowArguments
 {
     std::string directory;
     bool dump = false;
+    bool isJson = false;
 };
 
 /** Only looked at, so that a link to the board will do. */
@@ -34,7 +36,11 @@ void show(const ShowArguments& options)
     const Directory board = openToLook(options.directory);
     requireBoard(board);
     hold(board, Use::Shared);
-    reportBoard(std::cout, Board(board.name()), options.dump);
+    if (options.isJson) {
+        writeBoardDocument(std::cout, Board(board.name()));
+    } else {
+        reportBoard(std::cout, Board(board.name()), options.dump);
+    }
 }
 
 } // namespace
@@ -46,5 +52,7 @@ void addShowCommand(CLI::App& app)
     const auto options = std::make_shared<ShowArguments>();
     command->add_option("DIR", options->directory, "The board's directory")->required();
     command->add_flag("--dump", options->dump, "Also dump the used blocks of the warm area");
+    command->add_flag("--json", options->isJson, "Print a document for programs")
+        ->excludes("--dump");
     command->callback([options] { show(*options); });
 }

@@ -1,16 +1,28 @@
 #include "commands/Commands.h"
 
+#include "BoardFacts.h"
+#include "HardwareCode.h"
 #include "Products.h"
-#include "board/HardwareCode.h"
 
 #include <iomanip>
 #include <iostream>
+#include <memory>
 
 namespace
 {
 
 using os::bsp::hwVariants;
 using os::bsp::nameOf;
+
+void printDocument()
+{
+    Json document = facts::document("variants");
+    document["variants"] = Json::array();
+    for (std::size_t index = 0; index < hwVariants.size(); ++index) {
+        document["variants"].push_back(facts::variantFacts(index, hwVariants[index]));
+    }
+    std::cout << facts::textOf(document);
+}
 
 void listVariants()
 {
@@ -28,6 +40,15 @@ void listVariants()
 
 void addVariantsCommand(CLI::App& app)
 {
-    app.add_subcommand("variants", "List the hardware variants that a board can be")
-        ->callback(listVariants);
+    CLI::App* const command =
+        app.add_subcommand("variants", "List the hardware variants that a board can be");
+    const auto isJson = std::make_shared<bool>(false);
+    command->add_flag("--json", *isJson, "Print a document for programs");
+    command->callback([isJson] {
+        if (*isJson) {
+            printDocument();
+        } else {
+            listVariants();
+        }
+    });
 }

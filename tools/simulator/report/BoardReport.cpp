@@ -1,22 +1,19 @@
 #include "report/BoardReport.h"
 
 #include "Bsp.h"
+#include "HardwareCode.h"
 #include "Led.h"
 #include "SettingsFile.h"
+#include "Text.h"
+#include "WarmArea.h"
 #include "board/Files.h"
-#include "board/HardwareCode.h"
-#include "board/WarmArea.h"
 #include "report/Failure.h"
-#include "report/Text.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <iomanip>
 
 namespace
 {
-
-namespace fs = std::filesystem;
 
 /** Writes one line: what it is about, and the fact. */
 void write(std::ostream& out, const std::string& subject, const std::string& fact)
@@ -34,24 +31,14 @@ template <typename Answer> std::string answerOrReason(const Answer& answer)
     }
 }
 
-std::string readExactly(const fs::path& path, std::size_t size)
-{
-    std::string bytes = files::readStart(path, size);
-    if (bytes.size() < size) {
-        throw Failure("'" + path.string() + "' has " + std::to_string(bytes.size()) +
-                      " bytes instead of " + std::to_string(size));
-    }
-    return bytes;
-}
-
 /** The variant that the layer works with, and whether the board's code says so. */
 std::string variantText(const Board& board)
 {
     const os::bsp::NxuHwVariant* const variant = Bsp_getNxuHwVariant();
     const std::string index = std::to_string(variant - os::bsp::hwVariants.data());
     try {
-        const bool known =
-            readExactly(board.eeprom(), Board::EepromSize) == hardwarecode::bytesOf(variant->code);
+        const bool known = files::readExactly(board.eeprom(), Board::EepromSize) ==
+                           hardwarecode::bytesOf(variant->code);
         return known ? index : index + " (the code is not known)";
     } catch (const Failure&) {
         return index + " (the code cannot be read)";
@@ -63,7 +50,7 @@ void reportIdentity(std::ostream& out, const Board& board)
     // The layer answers here as it does for every program on this board.
     ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     write(out, "Hardware code", answerOrReason([&] {
-              return hardwarecode::textOf(readExactly(board.eeprom(), Board::EepromSize));
+              return hardwarecode::textOf(files::readExactly(board.eeprom(), Board::EepromSize));
           }));
     write(out, "Variant", variantText(board));
     write(out, "Product", nameOf(os::bsp::productIdNames, os::bsp::getProductId()));
@@ -73,34 +60,20 @@ void reportIdentity(std::ostream& out, const Board& board)
     write(out, "Platform", nameOf(os::bsp::platformTypeNames, os::bsp::getPlatformType()));
 }
 
-std::uint32_t resetCause(const Board& board)
-{
-    const std::string bytes = readExactly(board.registers(), sizeof(std::uint32_t));
-    std::uint32_t cause = 0;
-    std::copy(bytes.begin(), bytes.end(), reinterpret_cast<char*>(&cause));
-    return cause;
-}
-
 std::string resetCauseText(const Board& board)
 {
-    const std::uint32_t cause = resetCause(board);
+    const std::uint32_t cause = resetCauseOf(board);
     return std::to_string(cause) + " (" + nameOf(os::bsp::resetTypeNames, static_cast<int>(cause)) +
            ")";
-}
-
-bool isThere(const fs::path& path)
-{
-    std::error_code ignored;
-    return fs::exists(path, ignored);
 }
 
 void reportRestart(std::ostream& out, const Board& board)
 {
     write(out, "Reset cause", answerOrReason([&] { return resetCauseText(board); }));
-    write(out, "Cold marker", isThere(board.coldMarker()) ? "present" : "absent");
+    write(out, "Cold marker", files::isThere(board.coldMarker()) ? "present" : "absent");
 }
 
-settings::Entries storeEntries(const fs::path& path)
+settings::Entries storeEntries(const std::filesystem::path& path)
 {
     const auto contents = settings::read(path);
     return contents ? contents->entries : settings::Entries{};
@@ -161,7 +134,7 @@ void reportBlocks(std::ostream& out, const WarmArea& area, bool dump)
 bool isColdByRegister(const Board& board)
 {
     try {
-        return resetCause(board) == static_cast<std::uint32_t>(os::bsp::ResetType::Cold);
+        return resetCauseOf(board) == static_cast<std::uint32_t>(os::bsp::ResetType::Cold);
     } catch (const Failure&) {
         return false;
     }
@@ -173,7 +146,8 @@ bool countsAsCold(const Board& board)
     if (os::bsp::getPlatformType() == os::bsp::PlatformType::Nxu4) {
         return isColdByRegister(board);
     }
-    return os::bsp::getProductId() != os::bsp::ProductId::KT4851_4 || isThere(board.coldMarker());
+    return os::bsp::getProductId() != os::bsp::ProductId::KT4851_4 ||
+           files::isThere(board.coldMarker());
 }
 
 /** Whether the area holds what power-up left there, and the first program will clear it. */
@@ -181,13 +155,14 @@ bool isNotClearedYet(const WarmArea& area, const Board& board)
 {
     // While a program uses the area there is its semaphore, which has no '/' in its file's name.
     const std::string semaphore = std::string("sem.") + (os::bsp::dtcm::SemaphoreName + 1);
-    return !area.isWritten() && !isThere(board.sharedMemory() / semaphore) && countsAsCold(board);
+    return !area.isWritten() && !files::isThere(board.sharedMemory() / semaphore) &&
+           countsAsCold(board);
 }
 
 void reportWarmArea(std::ostream& out, const Board& board, bool dump)
 {
     try {
-        const WarmArea area(readExactly(board.dtcm(), Board::DtcmSize));
+        const WarmArea area(files::readExactly(board.dtcm(), Board::DtcmSize));
         if (isNotClearedYet(area, board)) {
             write(out, "Warm area", "not cleared yet");
         } else {

@@ -1,6 +1,6 @@
-#include "board/WarmArea.h"
+#include "WarmArea.h"
 
-#include "report/Text.h"
+#include "Text.h"
 
 #include <algorithm>
 
@@ -66,7 +66,7 @@ bool WarmArea::isWritten() const
     return isTable() || hasPlainName() || hasManyZeros();
 }
 
-std::optional<std::int32_t> WarmArea::slotId() const
+std::optional<WarmArea::Block> WarmArea::find(std::string_view name) const
 {
     // Programs look for an object up to the first free block.
     for (std::size_t index = 0; index < numberOfBlocks(); ++index) {
@@ -74,12 +74,20 @@ std::optional<std::int32_t> WarmArea::slotId() const
         if (candidate.name.empty()) {
             return std::nullopt;
         }
-        if (candidate.name == os::bsp::dtcm::SlotObjectName) {
-            std::int32_t slotId = 0;
-            std::copy_n(candidate.bytes.data() + NameSize, sizeof slotId,
-                        reinterpret_cast<char*>(&slotId));
-            return slotId;
+        if (candidate.name == name) {
+            return candidate;
         }
     }
     return std::nullopt;
+}
+
+std::optional<std::int32_t> WarmArea::slotId() const
+{
+    const std::optional<Block> slot = find(os::bsp::dtcm::SlotObjectName);
+    if (!slot) {
+        return std::nullopt;
+    }
+    std::int32_t slotId = 0;
+    std::copy_n(slot->bytes.data() + NameSize, sizeof slotId, reinterpret_cast<char*>(&slotId));
+    return slotId;
 }

@@ -1,11 +1,14 @@
-#ifndef TOOLS_SIMULATOR_REPORT_TEXT_H
-#define TOOLS_SIMULATOR_REPORT_TEXT_H
+#ifndef TOOLS_COMMON_TEXT_H
+#define TOOLS_COMMON_TEXT_H
 
 #include <string>
 #include <string_view>
 
 /** The bytes as printable text: anything else is written "\xNN", a backslash twice. */
 std::string printable(std::string_view bytes);
+
+/** The text of an error's number. */
+std::string errorText(int error);
 
 /** A hex dump in lines of 16 bytes; equal lines after the first are one line "*". */
 std::string hexDump(std::string_view bytes, std::size_t firstOffset);

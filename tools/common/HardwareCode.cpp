@@ -1,6 +1,6 @@
-#include "board/HardwareCode.h"
+#include "HardwareCode.h"
 
-#include "board/Board.h"
+#include "Hardware.h"
 
 #include <charconv>
 
@@ -37,7 +37,7 @@ std::string textOf(const std::string& bytes)
 
 std::optional<std::string> parse(const std::string& text)
 {
-    if (text.size() != 2 * Board::EepromSize) {
+    if (text.size() != 2 * hardware::HardwareCodeSize) {
         return std::nullopt;
     }
     std::string bytes;

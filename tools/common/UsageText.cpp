@@ -1,4 +1,4 @@
-#include "report/UsageText.h"
+#include "UsageText.h"
 
 namespace
 {

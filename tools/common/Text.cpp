@@ -1,8 +1,9 @@
-#include "report/Text.h"
+#include "Text.h"
 
 #include <cstddef>
 #include <iomanip>
 #include <sstream>
+#include <system_error>
 
 namespace
 {
@@ -43,6 +44,11 @@ std::string printable(std::string_view bytes)
         }
     }
     return out.str();
+}
+
+std::string errorText(int error)
+{
+    return std::generic_category().message(error);
 }
 
 std::string hexDump(std::string_view bytes, std::size_t firstOffset)

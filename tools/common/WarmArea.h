@@ -1,5 +1,5 @@
-#ifndef TOOLS_SIMULATOR_BOARD_WARMAREA_H
-#define TOOLS_SIMULATOR_BOARD_WARMAREA_H
+#ifndef TOOLS_COMMON_WARMAREA_H
+#define TOOLS_COMMON_WARMAREA_H
 
 #include "WarmLayout.h"
 
@@ -30,6 +30,9 @@ public:
 
     std::size_t numberOfBlocks() const { return m_bytes.size() / BlockSize; }
 
+    /** A block, counted from 0; it points into this object. */
+    Block block(std::size_t index) const;
+
     /** Every block with a name; they point into this object. */
     std::vector<Block> usedBlocks() const;
 
@@ -42,11 +45,13 @@ public:
      */
     bool isWritten() const;
 
+    /** The object that programs find by a name, if they find one: its bytes point in here. */
+    std::optional<Block> find(std::string_view name) const;
+
     /** The slot id, when there is the object that keeps it. */
     std::optional<std::int32_t> slotId() const;
 
 private:
-    Block block(std::size_t index) const;
     bool isTable() const;
     bool hasPlainName() const;
     bool hasManyZeros() const;

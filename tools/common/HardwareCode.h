@@ -2,8 +2,8 @@
  * @file
  * @brief A board's hardware code as the bytes of its EEPROM and as text.
  */
-#ifndef TOOLS_SIMULATOR_BOARD_HARDWARECODE_H
-#define TOOLS_SIMULATOR_BOARD_HARDWARECODE_H
+#ifndef TOOLS_COMMON_HARDWARECODE_H
+#define TOOLS_COMMON_HARDWARECODE_H
 
 #include "NxuHwVariant.h"
 

@@ -1,0 +1,178 @@
+#include "DiagTest.h"
+
+#include <filesystem>
+#include <regex>
+
+#include <semaphore.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+using testsupport::Outcome;
+
+class Capsule : public DiagTest
+{
+protected:
+    std::string capsule() const { return file("capsule"); }
+
+    std::string capture() const
+    {
+        const Outcome outcome = diag({"capture", capsule()}).run();
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        return normal(outcome.out);
+    }
+
+    /** What it says when it makes a board "copy" of a capsule. */
+    std::string create(const std::string& path) const
+    {
+        const Outcome outcome =
+            tool("bsp-board", {"create", file("copy"), "--capsule", path}).run();
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        return normal(outcome.out);
+    }
+
+    /** What is on a board that programs can ask, its directory aside. */
+    std::string shown(const std::string& name) const
+    {
+        const std::string text = tool("bsp-board", {"show", "--json", file(name)}).run().out;
+        return std::regex_replace(text, std::regex(file(name)), "BOARD");
+    }
+
+    /** The board as bsp-board has it: with the shared memory and the LEDs of this case. */
+    void completeBoard() const
+    {
+        fs::copy("/dev/shm", boardFile("shm"), fs::copy_options::recursive);
+        fs::create_directory(boardFile("tmp"));
+        fs::copy("/sys/class/leds", boardFile("leds"), fs::copy_options::recursive);
+    }
+};
+
+TEST_F(Capsule, ListsWhatWentIntoIt)
+{
+    write("settings", "RadiolinkMode=Rl5\n");
+    const StoreUser user(board(), {"slot", "5"});
+    const std::string bits = std::to_string(sizeof(void*) * 8);
+    EXPECT_EQ(capture(), "versions: bsp-diag/1, " BSP_TEST_VERSION ", " + bits +
+                             " bits\n"
+                             "EEPROM: 8 bytes\n"
+                             "warm area: 32768 bytes, under its lock\n"
+                             "registers: the cause of the last restart\n"
+                             "settings: 18 bytes\n"
+                             "LED yellow: its state and triggers\n"
+                             "LED red: its state and triggers\n"
+                             "LED green: its state and triggers\n"
+                             "cold marker: whether it is there\n"
+                             "shared memory: sem.DtcmDbSharedSem, its size, mode and user\n"
+                             "shared memory: DtcmSync, its size, mode and user\n"
+                             "semaphore: its value\n"
+                             "held mutexes: 0 in words\n"
+                             "answers of the layer: 22\n"
+                             "findings: 0, with names of processes\n");
+    EXPECT_EQ(diag({"check"}).run().out, "nothing found\n") << "the lock was given back";
+}
+
+TEST_F(Capsule, MakesABoardThatAnswersTheSame)
+{
+    write("settings", "# a remark\nRadiolinkMode=Rl5\nFpgaVariant=TwoTdm\n");
+    testsupport::writeFile("/sys/class/leds/red/korvanta_state", "fast\n");
+    setResetCause(0); // cold: only a store in use keeps its objects
+    testsupport::writeFile("/tmp/restart_cold", "");
+    const StoreUser user(board(), {"slot", "5", "object", "LINK"});
+    completeBoard();
+    testsupport::writeFile(boardFile("tmp/restart_cold"), "");
+    capture();
+    EXPECT_EQ(create(capsule()),
+              "not carried over: the mutex of the slot id, which is made anew and free\n"
+              "not carried over: the mutexes of the blocks, which are made anew and free\n");
+    EXPECT_EQ(shown("copy"), shown("b"));
+    EXPECT_EQ(testsupport::readFile(file("copy/settings")),
+              testsupport::readFile(boardFile("settings")));
+    const auto ask = [this](Words words) {
+        words.insert(words.begin(), {"run", file("copy"), "--"});
+        return tool("bsp-board", std::move(words)).run().out;
+    };
+    if (std::string(BSP_TEST_EMULATOR).empty()) {
+        const std::string bsp = testsupport::tool("bsp").path;
+        EXPECT_EQ(ask({bsp, "getSlotId"}), "5\n");
+        EXPECT_EQ(ask({bsp, "getTrafFpgaType"}), "Gannet\n");
+    }
+}
+
+TEST_F(Capsule, KeepsASemaphoreAtZero)
+{
+    const StoreUser holder(board(), {"slot", "5", "lockslot", "hold"});
+    const std::string listed = capture();
+    EXPECT_THAT(listed, HasSubstr("warm area: 32768 bytes, without its lock: it was held for 2000 "
+                                  "ms\n"));
+    EXPECT_THAT(listed, HasSubstr("held mutexes: 1 in words\n"));
+    const std::string text = testsupport::readFile(capsule());
+    EXPECT_THAT(text, HasSubstr("\"name\": \"semaphore-held\""));
+    EXPECT_THAT(text, HasSubstr("\"semaphore\": 0,"));
+    EXPECT_THAT(create(capsule()),
+                HasSubstr("not carried over: that a mutex was held, slot id: thread " +
+                          std::to_string(holder.id()) + " of PROCESS (N, since TIME)\n"));
+    const std::string semaphore = testsupport::readFile(file("copy/shm/sem.DtcmDbSharedSem"));
+    EXPECT_EQ(semaphore.size(), sizeof(sem_t));
+    EXPECT_EQ(semaphore.substr(0, 4), word(0));
+}
+
+TEST_F(Capsule, CarriesWhatIsMissingAndWhatIsDamaged)
+{
+    for (const char* const name : {"eeprom", "top.dtcm0", "top.sys_ctrl0"}) {
+        fs::remove(boardFile(name));
+    }
+    write("settings", "damaged\xFF");
+    fs::remove("/sys/class/leds/green/korvanta_state");
+    completeBoard();
+    capture();
+    EXPECT_EQ(create(capsule()),
+              "not carried over: EEPROM: the EEPROM cannot be read: the library answered 2\n"
+              "not carried over: warm area: cannot open BOARD/top.dtcm0: No such file or "
+              "directory\n"
+              "not carried over: registers: no registers at BOARD/top.sys_ctrl0\n"
+              "not carried over: LED green: cannot read /sys/class/leds/green/korvanta_state: No "
+              "such file or directory\n");
+    EXPECT_EQ(shown("copy"), shown("b"));
+}
+
+TEST_F(Capsule, IsMadeForItsOwnerInAPlaceThatIsFree)
+{
+    capture();
+    EXPECT_EQ(fs::status(capsule()).permissions(), fs::perms(0600));
+    const Outcome outcome = diag({"capture", capsule()}).run();
+    EXPECT_EQ(normal(outcome.err), "bsp-diag: cannot make '" + capsule() + "': File exists\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(Capsule, IsRefusedWhenItIsNone)
+{
+    const auto refusal = [this](const std::string& text) {
+        testsupport::writeFile(capsule(), text);
+        const Outcome outcome =
+            tool("bsp-board", {"create", file("copy"), "--capsule", capsule()}).run();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_FALSE(fs::exists(file("copy")));
+        return outcome.err;
+    };
+    const std::string start = "bsp-board: cannot use '" + capsule() + "': it is no capsule";
+    EXPECT_THAT(refusal("nothing"), testing::StartsWith(start + ": "));
+    EXPECT_EQ(refusal(R"({"schema": "bsp-diag/2", "kind": "capsule"})"),
+              start + " of bsp-diag/1\n");
+    fs::remove(capsule());
+    capture();
+    const std::string whole = testsupport::readFile(capsule());
+    const std::string code = "4100000001000100";
+    EXPECT_THAT(
+        refusal(std::regex_replace(whole, std::regex("\"eeprom\": \"" + code), "\"eeprom\": \"41")),
+        HasSubstr("the EEPROM has 1 bytes instead of 8"));
+    EXPECT_THAT(
+        refusal(std::regex_replace(whole, std::regex("\"eeprom\": \"41"), "\"eeprom\": \"4x")),
+        HasSubstr("'4x' is no byte"));
+}
+
+} // namespace

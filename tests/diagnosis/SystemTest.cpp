@@ -1,0 +1,253 @@
+// States of the system that a test cannot bring about for a whole program.
+
+#include "Files.h"
+#include "TemporaryDirectory.h"
+#include "findings/Subjects.h"
+#include "findings/Texts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace
+{
+
+bool isEverythingFull = false;
+bool isEverythingReadOnly = false;
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
+extern "C" int __real_statvfs64(const char* path, struct statvfs* status);
+
+extern "C" int __wrap_statvfs64(const char* path, struct statvfs* status)
+{
+    const int result = __real_statvfs64(path, status);
+    status->f_blocks = 100;
+    status->f_bavail = isEverythingFull ? 0 : 50;
+    return result;
+}
+extern "C" int __real_access(const char* path, int mode);
+
+extern "C" int __wrap_access(const char* path, int mode)
+{
+    if (isEverythingReadOnly && (mode & W_OK) != 0) {
+        errno = EROFS;
+        return -1;
+    }
+    return __real_access(path, mode);
+}
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class SystemFindings : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        places.processes = directory("proc");
+        places.sharedMemory = directory("shm");
+        places.temporaryFiles = directory("tmp");
+        places.loginSettings[0] = directory("etc");
+        places.loginSettings[1] = directory("run");
+        places.loginSettings[2] = directory("lib");
+        fs::permissions(places.sharedMemory, fs::perms(01777));
+        makeProcess(1, "init");
+        setProtection("0");
+    }
+
+    std::string directory(const std::string& name) const
+    {
+        fs::create_directories(m_directory.path() / name);
+        return m_directory.file(name);
+    }
+
+    void makeProcess(int number, const std::string& name) const
+    {
+        const std::string place = "proc/" + std::to_string(number);
+        testsupport::writeFile(directory(place) + "/stat",
+                               std::to_string(number) + " (" + name +
+                                   ") S 0 1 1 0 -1 4194560 1 1 1 1 1 1 1 1 20 0 1 0 100 1 1");
+        testsupport::writeFile(directory(place) + "/maps", "");
+    }
+
+    void setProtection(const std::string& value) const
+    {
+        testsupport::writeFile(directory("proc/sys/fs") + "/protected_regular", value + '\n');
+    }
+
+    /** A shared name of that user. */
+    void makeName(uid_t owner) const
+    {
+        const std::string path = places.sharedMemory + "/DtcmSync";
+        testsupport::writeFile(path, "");
+        ASSERT_EQ(::chown(path.c_str(), owner, owner), 0);
+    }
+
+    std::vector<std::string> found() const
+    {
+        const Evidence evidence(places, std::chrono::milliseconds(0));
+        Diagnosis diagnosis;
+        judgeSystem(evidence, diagnosis);
+        std::vector<std::string> lines;
+        for (const Finding& finding : diagnosis.findings) {
+            lines.push_back(lineOf(finding));
+        }
+        return lines;
+    }
+
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for (const std::string& line : found()) {
+            names.push_back(line.substr(0, line.find(':')));
+        }
+        return names;
+    }
+
+    Places places;
+
+private:
+    testsupport::TemporaryDirectory m_directory;
+};
+
+TEST_F(SystemFindings, AreNoneOnAHealthyBoard)
+{
+    EXPECT_THAT(found(), IsEmpty());
+    makeName(::geteuid());
+    EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(SystemFindings, NameALoginManagerThatRemovesNames)
+{
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root gives files away";
+    }
+    makeName(1234);
+    EXPECT_THAT(found(), IsEmpty()) << "nobody logs in";
+    makeProcess(2, "systemd-logind");
+    const std::vector<std::string> lines = found();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(lines[0], HasSubstr("; RemoveIPC is on (the default of systemd-logind). Follows: "
+                                    "after a logout of that user old and new programs use "
+                                    "different locks. Cure: RemoveIPC=no in logind.conf, or run "
+                                    "the programs as a user of the system"));
+    testsupport::writeFile(places.loginSettings[0] + "/logind.conf", "[Login]\nRemoveIPC=no\n");
+    EXPECT_THAT(found(), IsEmpty());
+    directory("lib/logind.conf.d");
+    testsupport::writeFile(places.loginSettings[2] + "/logind.conf.d/x.conf", "RemoveIPC = yes\n");
+    EXPECT_THAT(names(), ElementsAre("remove-ipc"));
+    makeName(0);
+    EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(SystemFindings, NameASystemThatRefusesNamesOfOthers)
+{
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root gives files away";
+    }
+    makeName(65534);
+    EXPECT_THAT(found(), IsEmpty());
+    setProtection("1");
+    const std::vector<std::string> lines = found();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(lines[0],
+                HasSubstr("; fs.protected_regular is 1. Follows: everybody but its owner, root "
+                          "too, gets EACCES: a program that starts meanwhile has mutexes of its "
+                          "own. Cure: let the first program be of the user who owns /dev/shm, or "
+                          "set fs.protected_regular to 0"));
+    fs::permissions(places.sharedMemory, fs::perms(0755));
+    EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(SystemFindings, NameDirectoriesThatAreMissing)
+{
+    fs::remove(places.sharedMemory);
+    fs::remove(places.temporaryFiles);
+    EXPECT_THAT(names(), ElementsAre("shm-missing", "tmp-missing"));
+}
+
+TEST_F(SystemFindings, NameDirectoriesThatAreReadOnly)
+{
+    isEverythingReadOnly = true;
+    EXPECT_THAT(names(), ElementsAre("shm-not-writable", "tmp-not-writable"));
+    isEverythingReadOnly = false;
+}
+
+TEST_F(SystemFindings, NameDirectoriesThatAreFull)
+{
+    isEverythingFull = true;
+    EXPECT_THAT(names(), ElementsAre("shm-full", "tmp-full"));
+    isEverythingFull = false;
+}
+
+TEST_F(SystemFindings, SayThatThereAreNoProcessesToLookAt)
+{
+    fs::remove_all(places.processes);
+    const Evidence evidence(places, std::chrono::milliseconds(0));
+    const Diagnosis diagnosis = diagnose(evidence);
+    EXPECT_TRUE(diagnosis.isBlind);
+    EXPECT_THAT(
+        diagnosis.notLookedAt,
+        testing::Contains("who uses the shared names: there is nothing in " + places.processes));
+}
+
+/** Bytes of words as they lie in memory. */
+std::string words(std::initializer_list<std::uint32_t> values)
+{
+    std::string bytes;
+    for (const std::uint32_t value : values) {
+        bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
+    return bytes;
+}
+
+TEST(GlibcLocks, AreReadInBothWordSizes)
+{
+    using glibc::WordSize;
+    const auto held32 = glibc::mutexState(words({1, 0, 77, 0x80, 1, 0}), WordSize::Bits32);
+    EXPECT_TRUE(held32->isHeld);
+    EXPECT_EQ(held32->owner, 77);
+    const std::string mutex64 = words({2, 0, 78, 1, 0x80, 0, 0, 0, 0, 0});
+    const auto held64 = glibc::mutexState(mutex64, WordSize::Bits64);
+    EXPECT_TRUE(held64->isHeld);
+    EXPECT_EQ(held64->owner, 78);
+    EXPECT_FALSE(glibc::mutexState(std::string(24, '\0'), WordSize::Bits32)->isHeld);
+    EXPECT_FALSE(glibc::mutexState(std::string(39, '\0'), WordSize::Bits64).has_value());
+    EXPECT_TRUE(glibc::isSharedMutex(mutex64, WordSize::Bits64));
+    EXPECT_FALSE(glibc::isSharedMutex(mutex64, WordSize::Bits32));
+
+    const auto free32 = glibc::semaphoreState(words({3, 0, 0, 2}), WordSize::Bits32);
+    EXPECT_EQ(free32->value, 1U);
+    EXPECT_EQ(free32->waiters, 2U);
+    const auto held = glibc::semaphoreState(words({0, 4, 0, 0, 0, 0, 0, 0}), WordSize::Bits64);
+    EXPECT_EQ(held->value, 0U);
+    EXPECT_EQ(held->waiters, 4U);
+}
+
+TEST(FindingTexts, AreCompleteAndHaveNamesOfTheirOwn)
+{
+    std::vector<std::string> names = findingNames();
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());
+    EXPECT_GT(names.size(), 40U);
+    const std::string page = testsupport::readFile(BSP_TEST_DIAGNOSIS_PAGE);
+    for (const std::string& name : names) {
+        EXPECT_THAT(page, HasSubstr('`' + name + '`'));
+    }
+}
+
+} // namespace

@@ -1,0 +1,156 @@
+#include "commands/Commands.h"
+
+#include "Text.h"
+#include "evidence/KernelImage.h"
+#include "evidence/SharedNames.h"
+
+#include <cerrno>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <unistd.h>
+
+namespace
+{
+
+struct RepairArguments
+{
+    std::vector<std::string> names;
+    bool isMeant = false;
+    bool ignoresUnseen = false;
+};
+
+/** What can be repaired by removing it, by the name that people know it by. */
+struct Thing
+{
+    const char* name;
+    const char* file;
+};
+
+constexpr Thing things[] = {
+    {"DtcmDbSharedSem", sharedname::Semaphore},
+    {"DtcmSync", sharedname::SyncArea},
+    {"zImage_tmp", sharedname::KernelImage},
+};
+
+const Thing& thingOf(const std::string& name)
+{
+    std::string known;
+    for (const Thing& thing : things) {
+        if (name == thing.name || name == std::string("/") + thing.name) {
+            return thing;
+        }
+        known += (known.empty() ? "" : ", ") + std::string(thing.name);
+    }
+    throw UsageError("there is nothing to repair of the name '" + name + "'; it can be " + known);
+}
+
+class Repair
+{
+public:
+    explicit Repair(const RepairArguments& options)
+        : m_options(options), m_processes(m_places),
+          m_names(lookAtSharedNames(m_places, m_processes, m_dtcm)),
+          m_image(lookAtKernelImage(m_places, m_processes))
+    {}
+
+    /** Says what it does, or why not; false when it does not. */
+    bool remove(const Thing& thing) const
+    {
+        const std::string path = m_places.sharedMemory + '/' + thing.file;
+        const std::optional<SharedFile> file = SharedFile::look(path);
+        if (!file) {
+            std::cout << thing.name << ": there is no " << path << '\n';
+            return true;
+        }
+        const std::string why = objection(thing, *file);
+        if (!why.empty()) {
+            std::cout << thing.name << ": kept, " << why << '\n';
+            return false;
+        }
+        if (!m_options.isMeant) {
+            std::cout << thing.name << ": would remove " << path << "; --yes does it\n";
+            return true;
+        }
+        if (::unlink(path.c_str()) != 0) {
+            std::cout << thing.name << ": kept, cannot remove " << path << ": " << errorText(errno)
+                      << '\n';
+            return false;
+        }
+        std::cout << thing.name << ": removed " << path << '\n';
+        return true;
+    }
+
+private:
+    /** Why it is not safe to remove this; empty when it is. */
+    std::string objection(const Thing& thing, const SharedFile& file) const
+    {
+        std::string users;
+        if (thing.file == std::string(sharedname::KernelImage)) {
+            users = m_image.holdersText;
+            const Users mapping = m_processes.mapping(file.identity());
+            if (users.empty() && !mapping.empty()) {
+                users = textOf(mapping);
+            }
+        } else {
+            // Who uses one of the two relies on the other.
+            std::set<const Process*> all(m_names.semaphore.users.begin(),
+                                         m_names.semaphore.users.end());
+            all.insert(m_names.syncArea.users.begin(), m_names.syncArea.users.end());
+            users = all.empty() ? "" : textOf(Users(all.begin(), all.end()));
+        }
+        if (!users.empty()) {
+            return "used by " + users;
+        }
+        if (!m_processes.isThere()) {
+            return "as it cannot be seen who uses it";
+        }
+        if (m_processes.numberOfUnseen() != 0 && !m_options.ignoresUnseen) {
+            return "as " + std::to_string(m_processes.numberOfUnseen()) +
+                   " processes of other users cannot be looked at; root may, or --ignore-unseen";
+        }
+        return "";
+    }
+
+    const RepairArguments& m_options;
+    const Places m_places;
+    const Dtcm m_dtcm;
+    const ProcessTable m_processes;
+    const SharedNames m_names;
+    const KernelImageEvidence m_image;
+};
+
+int repair(const RepairArguments& options)
+{
+    std::vector<const Thing*> wanted;
+    for (const std::string& name : options.names) {
+        wanted.push_back(&thingOf(name));
+    }
+    const Repair repair(options);
+    int status = Done;
+    for (const Thing* const thing : wanted) {
+        status = repair.remove(*thing) ? status : Found;
+    }
+    return status;
+}
+
+} // namespace
+
+void addRepairCommand(CLI::App& app, int& status)
+{
+    CLI::App* const command = app.add_subcommand(
+        "repair", "Remove what was left behind, where no living process uses it");
+    const auto options = std::make_shared<RepairArguments>();
+    command
+        ->add_option("NAME", options->names,
+                     "DtcmDbSharedSem, DtcmSync or zImage_tmp; may be repeated")
+        ->required();
+    command->add_flag("--yes", options->isMeant, "Do it; without, only say what would be done");
+    command->add_flag("--ignore-unseen", options->ignoresUnseen,
+                      "Take it that processes of other users, which cannot be seen, do not use it");
+    command->callback([options, &status] { status = repair(*options); });
+}

@@ -1,0 +1,19 @@
+#ifndef TOOLS_DIAG_EVIDENCE_BOARDFILES_H
+#define TOOLS_DIAG_EVIDENCE_BOARDFILES_H
+
+#include <optional>
+#include <string>
+
+/**
+ * The file behind what the platform's libraries serve, by its name in a board directory; nothing
+ * where the libraries are the board's own and do not say.
+ */
+std::optional<std::string> boardFile(const std::string& entry);
+
+/** The file, or else the name. */
+inline std::string placeOf(const std::string& entry)
+{
+    return boardFile(entry).value_or(entry);
+}
+
+#endif

@@ -1,0 +1,41 @@
+#include "evidence/Store.h"
+
+#include "NxuConfig.h"
+#include "Text.h"
+#include "evidence/BoardFiles.h"
+
+#include <cerrno>
+#include <exception>
+
+#include <unistd.h>
+
+Reading<facts::Settings> readSettings()
+{
+    try {
+        const os::bsp::NxuConfig config;
+        facts::Settings settings;
+        for (const std::string& key : {os::bsp::key::FpgaVariant, os::bsp::key::RadiolinkMode}) {
+            settings[key] = config.get(key);
+        }
+        return settings;
+    } catch (const std::exception& error) {
+        return Reading<facts::Settings>::unknown(error.what());
+    }
+}
+
+std::optional<std::string> whyNotWritable()
+{
+    const std::optional<std::string> file = boardFile("settings");
+    if (!file) {
+        return std::nullopt;
+    }
+    // The file is replaced by a new one, so its directory counts as well.
+    const std::string directory = file->substr(0, file->rfind('/'));
+    for (const std::string& path : {*file, directory}) {
+        const bool isMissingFile = path == *file && ::access(path.c_str(), F_OK) != 0;
+        if (!isMissingFile && ::access(path.c_str(), W_OK) != 0) {
+            return path + ": " + errorText(errno);
+        }
+    }
+    return "";
+}

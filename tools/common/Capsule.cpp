@@ -1,0 +1,185 @@
+#include "Capsule.h"
+
+#include "Hardware.h"
+#include "HardwareCode.h"
+#include "WarmLayout.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+
+namespace capsule
+{
+
+namespace
+{
+
+using os::bsp::dtcm::AreaSize;
+using os::bsp::dtcm::Block;
+
+template <typename Value> Json jsonOf(const Reading<Value>& reading)
+{
+    return reading.isKnown() ? Json(*reading) : facts::unknown(reading.reason());
+}
+
+/** Bytes that need be no text. */
+Json hexJson(const Reading<std::string>& bytes)
+{
+    return bytes.isKnown() ? Json(hexOf(*bytes)) : facts::unknown(bytes.reason());
+}
+
+/** Bytes that are text, unless somebody has damaged them. */
+Json textJson(const Reading<std::string>& text)
+{
+    if (!text.isKnown()) {
+        return facts::unknown(text.reason());
+    }
+    const bool isText = std::none_of(text->begin(), text->end(), [](char byte) {
+        const auto value = static_cast<unsigned char>(byte);
+        return value > '~' || (value < ' ' && byte != '\n' && byte != '\t');
+    });
+    return isText ? Json{{"text", *text}} : Json{{"hex", hexOf(*text)}};
+}
+
+Json warmAreaJson(const Contents& contents)
+{
+    if (!contents.warmArea.isKnown()) {
+        return facts::unknown(contents.warmArea.reason());
+    }
+    Json blocks = Json::array();
+    for (std::size_t offset = 0; offset < contents.warmArea->size(); offset += sizeof(Block)) {
+        blocks.push_back(hexOf(contents.warmArea->substr(offset, sizeof(Block))));
+    }
+    return {{"taken", contents.warmAreaTaken}, {"blocks", blocks}};
+}
+
+std::string bytesOf(const std::string& hex)
+{
+    constexpr int hexadecimal = 16;
+    std::string bytes;
+    for (std::size_t i = 0; i < hex.size(); i += 2) {
+        const char* const end = hex.data() + std::min(i + 2, hex.size());
+        unsigned char value = 0;
+        const auto result = std::from_chars(hex.data() + i, end, value, hexadecimal);
+        if (result.ec != std::errc() || result.ptr != hex.data() + i + 2) {
+            throw std::runtime_error("'" + hex.substr(i, 2) + "' is no byte");
+        }
+        bytes.push_back(static_cast<char>(value));
+    }
+    return bytes;
+}
+
+template <typename Value> Reading<Value> readingOf(const Json& json)
+{
+    const std::string reason = facts::reasonOf(json);
+    return reason.empty() ? Reading<Value>(json.get<Value>()) : Reading<Value>::unknown(reason);
+}
+
+Reading<std::string> bytesReadingOf(const Json& json)
+{
+    const auto hex = readingOf<std::string>(json);
+    return hex.isKnown() ? Reading<std::string>(bytesOf(*hex)) : hex;
+}
+
+Reading<std::string> textReadingOf(const Json& json)
+{
+    const std::string reason = facts::reasonOf(json);
+    if (!reason.empty()) {
+        return Reading<std::string>::unknown(reason);
+    }
+    return json.contains("text") ? json["text"].get<std::string>()
+                                 : bytesOf(json.at("hex").get<std::string>());
+}
+
+void requireSize(const Reading<std::string>& bytes, std::size_t size, const char* what)
+{
+    if (bytes.isKnown() && bytes->size() != size) {
+        throw std::runtime_error(std::string(what) + " has " + std::to_string(bytes->size()) +
+                                 " bytes instead of " + std::to_string(size));
+    }
+}
+
+void parseWarmArea(const Json& json, Contents& contents)
+{
+    const std::string reason = facts::reasonOf(json);
+    if (!reason.empty()) {
+        contents.warmArea = Reading<std::string>::unknown(reason);
+        return;
+    }
+    std::string area;
+    for (const Json& block : json.at("blocks")) {
+        area += bytesOf(block.get<std::string>());
+    }
+    contents.warmArea = area;
+    contents.warmAreaTaken = json.at("taken").get<std::string>();
+}
+
+Contents parseContents(const Json& json)
+{
+    Contents contents;
+    contents.eeprom = bytesReadingOf(json.at("eeprom"));
+    requireSize(contents.eeprom, hardware::HardwareCodeSize, "the EEPROM");
+    parseWarmArea(json.at("warmArea"), contents);
+    requireSize(contents.warmArea, AreaSize, "the warm area");
+    contents.resetCause = readingOf<std::uint32_t>(json.at("resetCause"));
+    contents.coldMarker = json.at("coldMarker").get<bool>();
+    contents.settings = textReadingOf(json.at("settings"));
+    for (const auto& [name, led] : json.at("leds").items()) {
+        contents.leds.push_back(
+            {name, textReadingOf(led.at("trigger")), textReadingOf(led.at("state"))});
+    }
+    for (const Json& file : json.at("sharedMemory")) {
+        contents.sharedFiles.push_back(
+            {file.at("name"), file.at("size"), file.at("mode"), file.at("user")});
+    }
+    contents.semaphore = readingOf<std::uint32_t>(json.at("semaphore"));
+    for (const Json& mutex : json.at("heldMutexes")) {
+        contents.heldMutexes.push_back(mutex);
+    }
+    return contents;
+}
+
+} // namespace
+
+std::string hexOf(const std::string& bytes)
+{
+    return hardwarecode::textOf(bytes);
+}
+
+Json jsonOf(const Contents& contents)
+{
+    Json json;
+    json["eeprom"] = hexJson(contents.eeprom);
+    json["resetCause"] = jsonOf(contents.resetCause);
+    json["coldMarker"] = contents.coldMarker;
+    json["settings"] = textJson(contents.settings);
+    json["leds"] = Json::object();
+    for (const Led& led : contents.leds) {
+        json["leds"][led.name] = {{"trigger", textJson(led.trigger)},
+                                  {"state", textJson(led.state)}};
+    }
+    json["sharedMemory"] = Json::array();
+    for (const SharedFile& file : contents.sharedFiles) {
+        json["sharedMemory"].push_back(
+            {{"name", file.name}, {"size", file.size}, {"mode", file.mode}, {"user", file.user}});
+    }
+    json["semaphore"] = jsonOf(contents.semaphore);
+    json["heldMutexes"] = contents.heldMutexes;
+    json["warmArea"] = warmAreaJson(contents);
+    return json;
+}
+
+Contents parse(const std::string& text)
+{
+    try {
+        const Json document = Json::parse(text);
+        if (document.at("schema") != facts::Schema || document.at("kind") != "capsule") {
+            throw std::runtime_error(std::string("it is no capsule of ") + facts::Schema);
+        }
+        return parseContents(document.at("contents"));
+    } catch (const Json::exception& error) {
+        throw std::runtime_error(std::string("it is no capsule: ") + error.what());
+    }
+}
+
+} // namespace capsule

@@ -1,0 +1,73 @@
+#include "report/BoardDocument.h"
+
+#include "BoardFacts.h"
+#include "Bsp.h"
+#include "Led.h"
+#include "NxuConfig.h"
+#include "board/Files.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+/** What reading gives, or why it fails. */
+template <typename Read> auto readingOf(const Read& read)
+{
+    using Value = decltype(read());
+    try {
+        return Reading<Value>(read());
+    } catch (const std::exception& failure) {
+        return Reading<Value>::unknown(failure.what());
+    }
+}
+
+facts::Settings namedSettings()
+{
+    const os::bsp::NxuConfig config;
+    facts::Settings settings;
+    for (const std::string& key : {os::bsp::key::FpgaVariant, os::bsp::key::RadiolinkMode}) {
+        settings[key] = config.get(key);
+    }
+    return settings;
+}
+
+/** The layer looks at the host's mark here, where it looks at the board's on the board. */
+os::bsp::ResetType resetTypeOf(const facts::RawBoard& raw)
+{
+    using os::bsp::ResetType;
+    if (os::bsp::getPlatformType() == os::bsp::PlatformType::Nxu4) {
+        return raw.resetCause.isKnown() ? static_cast<ResetType>(*raw.resetCause)
+                                        : ResetType::Unknown;
+    }
+    const bool isWarm = os::bsp::getProductId() == os::bsp::ProductId::KT4851_4 && !raw.coldMarker;
+    return isWarm ? ResetType::Warm : ResetType::Cold;
+}
+
+} // namespace
+
+void writeBoardDocument(std::ostream& out, const Board& board)
+{
+    // The layer answers here as it does for every program on this board, but for what lies outside
+    // the board's directory there.
+    ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    facts::RawBoard raw;
+    raw.hardwareCode =
+        readingOf([&] { return files::readExactly(board.eeprom(), Board::EepromSize); });
+    raw.resetCause = readingOf([&] { return resetCauseOf(board); });
+    raw.coldMarker = files::isThere(board.coldMarker());
+    raw.resetType = resetTypeOf(raw);
+    raw.settings = readingOf(namedSettings);
+    constexpr std::size_t longestState = 64;
+    for (unsigned int led = 0; led < NoOfLeds; ++led) {
+        const std::string name = Led_objectToName(led);
+        raw.leds.push_back({name, readingOf([&] {
+                                return files::readStart(board.ledState(name), longestState);
+                            })});
+    }
+    raw.warmArea = readingOf([&] { return files::readExactly(board.dtcm(), Board::DtcmSize); });
+    raw.isWarmAreaInUse = files::isThere(board.sharedMemory() / "sem.DtcmDbSharedSem");
+    Json document = facts::document("board");
+    document["board"] = facts::boardFacts(raw);
+    out << facts::textOf(document);
+}
