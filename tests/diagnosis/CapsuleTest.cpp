@@ -43,6 +43,15 @@ protected:
         return std::regex_replace(text, std::regex(file(name)), "BOARD");
     }
 
+    /** A document's answers of the layer. */
+    static std::string answersIn(const std::string& document)
+    {
+        const std::size_t begin = document.find("\n  \"board\": {\n");
+        const std::size_t end = document.find("\n  }", begin);
+        EXPECT_NE(end, std::string::npos) << document;
+        return document.substr(begin, end - begin);
+    }
+
     /** The board as bsp-board has it: with the shared memory and the LEDs of this case. */
     void completeBoard() const
     {
@@ -100,6 +109,28 @@ TEST_F(Capsule, MakesABoardThatAnswersTheSame)
         const std::string bsp = testsupport::tool("bsp").path;
         EXPECT_EQ(ask({bsp, "getSlotId"}), "5\n");
         EXPECT_EQ(ask({bsp, "getTrafFpgaType"}), "Gannet\n");
+    }
+}
+
+TEST_F(Capsule, Of32BitsMakesABoardThatAnswersTheSame)
+{
+    const std::string made = std::string(BSP_TEST_DATA_DIR) + "/capsule-32-bits.json";
+    const std::string document = testsupport::readFile(made);
+    ASSERT_THAT(document, HasSubstr("\"wordSize\": 32,\n"));
+    EXPECT_EQ(create(made),
+              "not carried over: the mutex of the slot id, which is made anew and free\n"
+              "not carried over: the mutexes of the blocks, which are made anew and free\n");
+    EXPECT_EQ(answersIn(shown("copy")), answersIn(document));
+    if (std::string(BSP_TEST_EMULATOR).empty()) {
+        const auto ask = [this](const std::string& program, Words words) {
+            words.insert(words.begin(),
+                         {"run", file("copy"), "--", testsupport::tool(program).path});
+            return tool("bsp-board", std::move(words)).run().out;
+        };
+        EXPECT_EQ(answersIn(ask("bsp-diag", {"info", "--json"})), answersIn(document));
+        EXPECT_EQ(ask("bsp", {"getSlotId"}), "5\n");
+        EXPECT_EQ(ask("bsp", {"getRadiolinkMode"}), "Rl5\n");
+        EXPECT_EQ(ask("bsp", {"getProductId"}), "NXU2004\n");
     }
 }
 
