@@ -34,6 +34,9 @@ TEST_F(Check, FindsNothingOnAHealthyBoard)
 
 TEST_F(Check, SaysWhatItCannotSeeWithoutPrivilege)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     for (const char* const name : {"eeprom", "top.dtcm0", "top.sys_ctrl0"}) {
         fs::permissions(boardFile(name), fs::perms(0666));
     }
@@ -115,6 +118,9 @@ TEST_F(Check, NamesAShortDtcm)
 
 TEST_F(Check, NamesADtcmThatThisUserMayNotWrite)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     fs::permissions(boardFile("top.dtcm0"), fs::perms(0644));
     EXPECT_THAT(findings(diagOfOrdinaryUser({"check"})),
                 Contains("dtcm-not-writable: this user may not write the tightly coupled memory. "
@@ -131,6 +137,9 @@ TEST_F(Check, NamesADtcmThatCannotBeMapped)
 
 TEST_F(Check, NamesALimitOfLockedMemory)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     testsupport::Program program = diagOfOrdinaryUser({"check"});
     const auto becomeUser = program.prepare;
     program.prepare = [becomeUser] {
@@ -249,6 +258,9 @@ TEST_F(Check, NamesSettingsThatAreNoModes)
 
 TEST_F(Check, NamesSettingsThatThisUserMayNotChange)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     EXPECT_THAT(
         findings(diagOfOrdinaryUser({"check"})),
         Contains("settings-not-writable: this user may not change the settings. Evidence: BOARD: "
@@ -259,6 +271,9 @@ TEST_F(Check, NamesSettingsThatThisUserMayNotChange)
 
 TEST_F(Check, NamesLedsThatCannotBeSet)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     fs::remove_all("/sys/class/leds/yellow");
     testsupport::writeFile("/sys/class/leds/red/trigger", "[none] timer\n");
     fs::remove("/sys/class/leds/red/korvanta_state");

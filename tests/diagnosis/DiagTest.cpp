@@ -1,5 +1,6 @@
 #include "DiagTest.h"
 
+#include "Namespaces.h"
 #include "SharedCopy.h"
 
 #include <csignal>
@@ -92,6 +93,16 @@ testsupport::Program DiagTest::tool(const std::string& name, Words words) const
     testsupport::Program program = testsupport::tool(name, std::move(words));
     program.environment = {{"BSP_BOARD_DIR", board()}, {"QELTRACE_OUTPUT", "none"}};
     return program;
+}
+
+std::string DiagTest::noOtherUser()
+{
+    if (::geteuid() != 0) {
+        return "only root can be another user";
+    }
+    return testsupport::haveNamespaces()
+               ? ""
+               : std::string(testsupport::NoNamespaces) + "other users start nothing below proot";
 }
 
 testsupport::Program DiagTest::diagOfOrdinaryUser(Words words) const

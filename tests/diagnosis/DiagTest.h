@@ -53,6 +53,8 @@ protected:
     testsupport::Program diag(Words words) const { return tool("bsp-diag", std::move(words)); }
     /** bsp-diag for somebody who is not root. */
     testsupport::Program diagOfOrdinaryUser(Words words) const;
+    /** Why programs cannot be another user's here; empty when they can. */
+    static std::string noOtherUser();
 
     /** What check finds: its lines, with what differs from run to run as TIME, N and BOARD. */
     Words findings() const { return findings(diag({"check"})); }

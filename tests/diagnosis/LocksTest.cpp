@@ -1,4 +1,5 @@
 #include "DiagTest.h"
+#include "Namespaces.h"
 
 #include <chrono>
 #include <filesystem>
@@ -109,6 +110,9 @@ TEST_F(Locks, NamesModesThatAUmaskHasCut)
 
 TEST_F(Locks, NamesTwoGenerationsOfTheNames)
 {
+    if (!testsupport::haveNamespaces()) {
+        GTEST_SKIP() << testsupport::NoNamespaces << "below proot a file without a name is another";
+    }
     StoreUser first(board(), {"open"});
     const StoreUser second(board(), {"open"});
     first.end();
@@ -129,6 +133,9 @@ TEST_F(Locks, NamesTwoGenerationsOfTheNames)
 
 TEST_F(Locks, NamesTheMakerOfASemaphoreThatWasRemoved)
 {
+    if (!testsupport::haveNamespaces()) {
+        GTEST_SKIP() << testsupport::NoNamespaces << "below proot a file without a name is another";
+    }
     const StoreUser maker(board(), {"open"});
     fs::remove(Semaphore);
     fs::remove(Mutexes);
@@ -291,6 +298,9 @@ protected:
 
 TEST_F(KernelImageFile, IsNamedWhenItWasLeftBehind)
 {
+    if (const std::string reason = noOtherUser(); !reason.empty()) {
+        GTEST_SKIP() << reason;
+    }
     testsupport::writeFile(KernelImage, "image");
     waitSomeSeconds();
     EXPECT_THAT(findings(),
