@@ -1,4 +1,5 @@
 #include "Program.h"
+#include "Sanitizers.h"
 #include "TraceTest.h"
 
 #include <array>
@@ -128,6 +129,9 @@ TEST_F(TraceLibrary, CanBeUsedByAProcessForkedAtAnyMoment)
 {
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
+    }
+    if (!testsupport::canForkBesideThreads()) {
+        GTEST_SKIP() << testsupport::NoForkBesideThreads;
     }
     Program program{};
     program.path = TRACE_CLIENT;
