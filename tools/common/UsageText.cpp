@@ -53,3 +53,10 @@ std::string usageText(const CLI::App& app, const CLI::ParseError& error)
     const std::vector<CLI::App*> chosen = app.get_subcommands();
     return chosen.empty() ? "a command is missing" : wrongOption(*chosen.front(), error);
 }
+
+std::string withHint(const CLI::App& app, const std::string& message)
+{
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const std::string command = chosen.empty() ? "" : ' ' + chosen.front()->get_name();
+    return message + "\nTry '" + app.get_name() + command + " --help'.";
+}

@@ -8,4 +8,7 @@
 /** What is wrong with a command line that could not be parsed, in one line. */
 std::string usageText(const CLI::App& app, const CLI::ParseError& error);
 
+/** The message with the hint behind it how to get the chosen command's help. */
+std::string withHint(const CLI::App& app, const std::string& message);
+
 #endif

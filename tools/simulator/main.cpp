@@ -31,9 +31,7 @@ int report(const std::string& message, int status)
 
 int reportUsage(const CLI::App& app, const std::string& message)
 {
-    const std::vector<CLI::App*> chosen = app.get_subcommands();
-    const std::string command = chosen.empty() ? "" : ' ' + chosen.front()->get_name();
-    return report(message + "\nTry 'bsp-board" + command + " --help'.", WrongUsage);
+    return report(withHint(app, message), WrongUsage);
 }
 
 int parseAndRun(CLI::App& app, std::vector<std::string> arguments)
