@@ -3,6 +3,7 @@
 #include "Bsp.h"
 #include "Files.h"
 #include "WarmDatabase.h"
+#include "warm/SharedMutex.h"
 
 #include <cstdlib>
 #include <stdexcept>
@@ -25,15 +26,6 @@ Shared& mapShared()
         throw std::runtime_error("no shared memory");
     }
     return *static_cast<Shared*>(memory);
-}
-
-void initMutex(pthread_mutex_t& mutex)
-{
-    pthread_mutexattr_t attributes;
-    ::pthread_mutexattr_init(&attributes);
-    ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
-    ::pthread_mutex_init(&mutex, &attributes);
-    ::pthread_mutexattr_destroy(&attributes);
 }
 
 sem_t* makeSemaphore()
@@ -61,7 +53,7 @@ WarmSetting& WarmSetting::get()
 
 WarmSetting::WarmSetting() : m_shared(mapShared()), m_semaphore(makeSemaphore())
 {
-    initMutex(m_shared.mutex);
+    os::bsp::initSharedMutex(&m_shared.mutex);
     makeBoard();
     fillStore();
 }
