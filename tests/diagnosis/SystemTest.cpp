@@ -205,6 +205,13 @@ TEST_F(SystemFindings, SayThatThereAreNoProcessesToLookAt)
         testing::Contains("who uses the shared names: there is nothing in " + places.processes));
 }
 
+TEST_F(SystemFindings, LeaveOutAProcessThatEndsWhileItIsLookedAt)
+{
+    // Can be opened and not be read, as what /proc shows of a process that has ended.
+    directory("proc/2/stat");
+    EXPECT_THAT(found(), IsEmpty());
+}
+
 /** Bytes of words as they lie in memory. */
 std::string words(std::initializer_list<std::uint32_t> values)
 {

@@ -9,7 +9,6 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include <unistd.h>
@@ -27,10 +26,13 @@ struct Statistics
     std::uint64_t startedAfterBoot = 0; /**< In clock ticks. */
 };
 
+/** What can be read of a file: that of a process which ends meanwhile ends by an error. */
 std::string textOfFile(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 std::optional<Statistics> statisticsOf(const std::string& directory)
@@ -168,7 +170,8 @@ ProcessTable::ProcessTable(const Places& places) : m_directory(places.processes)
         process->shared = std::move(mappings).value_or(std::vector<Mapping>());
         // Not even root sees the first process where that has rights of its own; it starts the
         // others, and calls nobody's functions.
-        const bool matters = number != 1 && fs::exists(directory);
+        std::error_code gone;
+        const bool matters = number != 1 && fs::exists(directory, gone);
         m_unseen += process->isSeen || !matters ? 0 : 1;
         m_processes.push_back(std::move(*process));
     }
