@@ -12,9 +12,9 @@ namespace syscalls
 class ErrnoText
 {
 public:
-    // The GNU strerror_r need not use the room; what it returns is the text.
+    // The GNU strerror_r need not use the buffer; what it returns is the text.
     [[gnu::noinline]] explicit ErrnoText(int error) noexcept
-        : m_text(strerror_r(error, m_room.data(), m_room.size()))
+        : m_text(strerror_r(error, m_buffer.data(), m_buffer.size()))
     {}
     ErrnoText(const ErrnoText&) = delete;
     ErrnoText& operator=(const ErrnoText&) = delete;
@@ -24,8 +24,8 @@ public:
     operator std::string_view() const noexcept { return m_text; }
 
 private:
-    std::array<char, 128> m_room;
-    const char* m_text; /**< In the room, or the system's own. */
+    std::array<char, 128> m_buffer;
+    const char* m_text; /**< In the buffer, or the system's own. */
 };
 
 /** The system's text for an errno value; unlike strerror it may be called from any thread. */

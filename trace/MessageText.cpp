@@ -13,7 +13,7 @@ namespace trace
 
 MessageText& MessageText::operator<<(std::string_view text) noexcept
 {
-    if (makeRoom(text.size())) {
+    if (reserve(text.size())) {
         std::copy(text.begin(), text.end(), m_text + m_size);
         m_size += text.size();
     }
@@ -40,22 +40,22 @@ template <typename Number> MessageText& MessageText::addNumber(Number number) no
 template MessageText& MessageText::addNumber(std::intmax_t number) noexcept;
 template MessageText& MessageText::addNumber(std::uintmax_t number) noexcept;
 
-/** Whether that many bytes more have room. */
-bool MessageText::makeRoom(std::size_t size) noexcept
+/** Whether that many bytes more fit in. */
+bool MessageText::reserve(std::size_t size) noexcept
 {
     if (m_isLost || size <= m_capacity - m_size) {
         return !m_isLost;
     }
     const syscalls::ErrnoKeeper errnoKeeper;
     const std::size_t capacity = 2 * std::max(m_capacity, size);
-    std::unique_ptr<char[]> room(new (std::nothrow) char[capacity]);
-    if (!room) {
+    std::unique_ptr<char[]> buffer(new (std::nothrow) char[capacity]);
+    if (!buffer) {
         lose();
         return false;
     }
-    std::memcpy(room.get(), m_text, m_size);
-    m_largerRoom = std::move(room);
-    m_text = m_largerRoom.get();
+    std::memcpy(buffer.get(), m_text, m_size);
+    m_largerBuffer = std::move(buffer);
+    m_text = m_largerBuffer.get();
     m_capacity = capacity;
     return true;
 }

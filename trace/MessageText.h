@@ -20,7 +20,7 @@ namespace trace
 class MessageText
 {
 public:
-    // The room is not initialised: that would take longer than a message.
+    // The buffer is not initialised: that would take longer than a message.
     MessageText() noexcept {} // NOLINT(modernize-use-equals-default,*-member-init)
     MessageText(const MessageText&) = delete;
     MessageText& operator=(const MessageText&) = delete;
@@ -45,14 +45,14 @@ public:
 
 private:
     template <typename Number> MessageText& addNumber(Number number) noexcept;
-    bool makeRoom(std::size_t size) noexcept;
+    bool reserve(std::size_t size) noexcept;
     void lose() noexcept;
 
-    std::array<char, 512> m_room;
-    std::unique_ptr<char[]> m_largerRoom;
-    char* m_text = m_room.data();
+    std::array<char, 512> m_buffer;
+    std::unique_ptr<char[]> m_largerBuffer;
+    char* m_text = m_buffer.data();
     std::size_t m_size = 0;
-    std::size_t m_capacity = m_room.size();
+    std::size_t m_capacity = m_buffer.size();
     bool m_isLost = false;
 };
 

@@ -64,7 +64,7 @@ int runTool(std::vector<std::string> arguments)
     if (isCommandRunner(arguments)) {
         return runCommand(arguments);
     }
-    const std::vector<std::string> words = takeCommandWords(arguments);
+    const std::vector<std::string> commandLine = takeCommand(arguments);
     separateEmptyValues(arguments);
     int commandStatus = 0;
     CLI::App app("Boards on the desk: directories that stand for a board.", "bsp-board");
@@ -75,7 +75,7 @@ int runTool(std::vector<std::string> arguments)
     addShowCommand(app);
     addRestartCommand(app);
     addSetCommand(app, commandStatus);
-    addRunCommand(app, words, commandStatus);
+    addRunCommand(app, commandLine, commandStatus);
 
     const int status = parseAndRun(app, std::move(arguments));
     if (!std::cout.flush()) {

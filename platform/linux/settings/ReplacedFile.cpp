@@ -50,7 +50,7 @@ void writeAll(const syscalls::FileDescriptor& file, const std::string& bytes)
 } // namespace
 
 ReplacedFile::ReplacedFile(const std::string& path)
-    : m_name(path.substr(path.rfind('/') + 1)), m_draft(m_name + ".new"),
+    : m_name(path.substr(path.rfind('/') + 1)), m_temporary(m_name + ".new"),
       m_directory(openFile(path.substr(0, path.rfind('/') + 1), O_RDONLY | O_DIRECTORY))
 {
     if (!m_directory.isOpen()) {
@@ -87,32 +87,32 @@ void ReplacedFile::moveIntoPlace(const std::optional<Former>& former,
                                  const std::string& bytes) const
 {
     try {
-        writeDraft(former, bytes);
-        if (::renameat(directory(), m_draft.c_str(), directory(), m_name.c_str()) != 0) {
+        writeNew(former, bytes);
+        if (::renameat(directory(), m_temporary.c_str(), directory(), m_name.c_str()) != 0) {
             fail("cannot move the new file into place");
         }
     } catch (...) {
-        ::unlinkat(directory(), m_draft.c_str(), 0);
+        ::unlinkat(directory(), m_temporary.c_str(), 0);
         throw;
     }
 }
 
-void ReplacedFile::writeDraft(const std::optional<Former>& former, const std::string& bytes) const
+void ReplacedFile::writeNew(const std::optional<Former>& former, const std::string& bytes) const
 {
     // A process that was killed may have left one.
-    if (::unlinkat(directory(), m_draft.c_str(), 0) != 0 && errno != ENOENT) {
-        fail("cannot remove " + m_draft);
+    if (::unlinkat(directory(), m_temporary.c_str(), 0) != 0 && errno != ENOENT) {
+        fail("cannot remove " + m_temporary);
     }
-    const syscalls::FileDescriptor draft =
-        openFileAt(directory(), m_draft, O_WRONLY | O_CREAT | O_EXCL, former ? 0600 : 0666);
-    if (!draft.isOpen()) {
-        fail("cannot make " + m_draft);
+    const syscalls::FileDescriptor temporary =
+        openFileAt(directory(), m_temporary, O_WRONLY | O_CREAT | O_EXCL, former ? 0600 : 0666);
+    if (!temporary.isOpen()) {
+        fail("cannot make " + m_temporary);
     }
     if (former) {
-        passOn(draft, former->status);
+        passOn(temporary, former->status);
     }
-    writeAll(draft, bytes);
-    if (::fsync(draft.get()) != 0) {
+    writeAll(temporary, bytes);
+    if (::fsync(temporary.get()) != 0) {
         fail("cannot write");
     }
 }

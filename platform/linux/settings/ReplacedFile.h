@@ -43,12 +43,12 @@ public:
     void replace(const std::optional<Former>& former, const std::string& bytes) const;
 
 private:
-    void writeDraft(const std::optional<Former>& former, const std::string& bytes) const;
+    void writeNew(const std::optional<Former>& former, const std::string& bytes) const;
     void moveIntoPlace(const std::optional<Former>& former, const std::string& bytes) const;
     void undo(const std::optional<Former>& former) const;
 
     const std::string m_name;
-    const std::string m_draft;
+    const std::string m_temporary;
     const syscalls::FileDescriptor m_directory;
 };
 

@@ -2,9 +2,9 @@
 
 #include "Led.h"
 #include "board/Board.h"
-#include "board/BoardDraft.h"
 #include "board/Files.h"
 #include "board/SimulatedBoard.h"
+#include "board/StagingDirectory.h"
 #include "report/Failure.h"
 
 #include <cerrno>
@@ -107,14 +107,14 @@ void createBoard(const std::filesystem::path& place, const std::string& eeprom,
                  const std::function<void(const Directory&)>& finish)
 {
     keepOthersFromWriting();
-    BoardDraft draft(place);
-    const Directory& board = draft.directory();
+    StagingDirectory staging(place);
+    const Directory& board = staging.directory();
     board.createFile(entry::Eeprom, eeprom);
     board.createFile(entry::Dtcm, std::string(Board::DtcmSize, '\0'));
     board.createFile(entry::Registers, std::string(Board::RegistersSize, '\0'));
     restartBoard(board, ResetType::Cold);
     finish(board);
-    draft.publish();
+    staging.publish();
 }
 
 void restartBoard(const Directory& board, ResetType cause)

@@ -22,14 +22,14 @@ void addSetCommand(CLI::App& app, int& status);
 /**
  * Adds `run`; the program's exit status becomes that of the command which is run.
  *
- * @param words  the command's words; see takeCommandWords
+ * @param commandLine  the command and its arguments; see takeCommand
  */
-void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& status);
+void addRunCommand(CLI::App& app, const std::vector<std::string>& commandLine, int& status);
 
 /**
- * Takes the words of the command to run out of the arguments of `run`, and leaves one word in their
- * place. They are the command's own, whatever they look like; nothing here may interpret them.
+ * Takes the command to run out of the arguments of `run`, and leaves one word in its
+ * place. Its arguments are its own, whatever they look like; nothing here may interpret them.
  */
-std::vector<std::string> takeCommandWords(std::vector<std::string>& arguments);
+std::vector<std::string> takeCommand(std::vector<std::string>& arguments);
 
 #endif

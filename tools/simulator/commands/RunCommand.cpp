@@ -58,7 +58,8 @@ Isolation parsedIsolation(const std::string& word)
     return found->second;
 }
 
-int run(const RunArguments& given, const std::vector<std::string>& words, bool isIsolationGiven)
+int run(const RunArguments& given, const std::vector<std::string>& commandLine,
+        bool isIsolationGiven)
 {
     RunOptions options;
     if (isIsolationGiven) {
@@ -68,7 +69,7 @@ int run(const RunArguments& given, const std::vector<std::string>& words, bool i
     try {
         requireUnchangeable(given.directory,
                             given.trustOthers ? OtherUsers::Trusted : OtherUsers::Refused);
-        return runOnBoard(Board::at(given.directory), words, options);
+        return runOnBoard(Board::at(given.directory), commandLine, options);
     } catch (const Failure& failure) {
         std::cerr << "bsp-board: " << failure.what() << '\n';
         return NotStarted;
@@ -77,7 +78,7 @@ int run(const RunArguments& given, const std::vector<std::string>& words, bool i
 
 } // namespace
 
-std::vector<std::string> takeCommandWords(std::vector<std::string>& arguments)
+std::vector<std::string> takeCommand(std::vector<std::string>& arguments)
 {
     if (arguments.empty() || arguments.front() != "run") {
         return {};
@@ -93,17 +94,17 @@ std::vector<std::string> takeCommandWords(std::vector<std::string>& arguments)
     if (command != arguments.end() && *command == "--") {
         ++command;
     }
-    std::vector<std::string> words(command, arguments.end());
+    std::vector<std::string> commandLine(command, arguments.end());
     arguments.erase(directory + 1, arguments.end());
     // Not even the directory is an option from here on.
     arguments.insert(directory, "--");
-    if (!words.empty()) {
+    if (!commandLine.empty()) {
         arguments.emplace_back("COMMAND");
     }
-    return words;
+    return commandLine;
 }
 
-void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& status)
+void addRunCommand(CLI::App& app, const std::vector<std::string>& commandLine, int& status)
 {
     CLI::App* const command = app.add_subcommand(
         "run", "Run a command on a board: with its /dev/shm, /tmp and /sys/class/leds");
@@ -119,7 +120,7 @@ void addRunCommand(CLI::App& app, const std::vector<std::string>& words, int& st
     command->add_option("--bind", options->visible,
                         "Keep this path of the host visible on the board; may be repeated");
     command->add_flag(TrustOption, options->trustOthers, TrustOptionHelp);
-    command->callback([options, isolation, &words, &status] {
-        status = run(*options, words, isolation->count() != 0);
+    command->callback([options, isolation, &commandLine, &status] {
+        status = run(*options, commandLine, isolation->count() != 0);
     });
 }

@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr const char* Mark = "--command-runner";
-constexpr std::size_t WordsInFront = 2; // the mark and the socket's number
+constexpr std::size_t ArgumentsInFront = 2; // the mark and the socket's number
 
 using Streams = std::array<int, 3>;
 
@@ -67,7 +67,7 @@ bool takeStandardStreams(int socket)
     return true;
 }
 
-/** The socket that the words in front of the command name; users have none to name. */
+/** The socket that the arguments in front of the command name; users have none to name. */
 std::optional<int> socketOf(const std::vector<std::string>& arguments)
 {
     const std::string& text = arguments[1];
@@ -87,10 +87,10 @@ void report(int socket, const char* what, int number)
     ::send(socket, text.data(), text.size(), MSG_NOSIGNAL);
 }
 
-[[noreturn]] void becomeCommand(const std::vector<std::string>& words)
+[[noreturn]] void becomeCommand(const std::vector<std::string>& command)
 {
-    const int error = become(words.front(), words);
-    std::cerr << "bsp-board: " << Failure("cannot run '" + words.front() + "'", error).what()
+    const int error = become(command.front(), command);
+    std::cerr << "bsp-board: " << Failure("cannot run '" + command.front() + "'", error).what()
               << std::endl;
     ::_exit(error == ENOENT ? NotFound : NotRunnable);
 }
@@ -107,7 +107,7 @@ std::filesystem::path ownProgram()
     return program;
 }
 
-std::vector<std::string> wordsToRunCommand(int socket)
+std::vector<std::string> argumentsToRunCommand(int socket)
 {
     return {ownProgram(), Mark, std::to_string(socket)};
 }
@@ -133,7 +133,7 @@ void sendStandardStreams(const syscalls::FileDescriptor& socket)
 
 bool isCommandRunner(const std::vector<std::string>& arguments)
 {
-    return arguments.size() > WordsInFront && arguments.front() == Mark && socketOf(arguments);
+    return arguments.size() > ArgumentsInFront && arguments.front() == Mark && socketOf(arguments);
 }
 
 int runCommand(const std::vector<std::string>& arguments)
@@ -154,7 +154,7 @@ int runCommand(const std::vector<std::string>& arguments)
     }
     if (command == 0) {
         ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
-        becomeCommand({arguments.begin() + WordsInFront, arguments.end()});
+        becomeCommand({arguments.begin() + ArgumentsInFront, arguments.end()});
     }
     report(socket, "child-pid", command);
     const int status = waitForEnd(command);

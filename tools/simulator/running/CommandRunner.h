@@ -15,8 +15,8 @@
 /** This program's file. @throws Failure */
 std::filesystem::path ownProgram();
 
-/** The words in front of a command that is run so, and reported to this socket. */
-std::vector<std::string> wordsToRunCommand(int socket);
+/** The arguments in front of a command that is run so, and reported to this socket. */
+std::vector<std::string> argumentsToRunCommand(int socket);
 
 /** Gives the standard streams to the other end of a socket. @throws Failure */
 void sendStandardStreams(const syscalls::FileDescriptor& socket);

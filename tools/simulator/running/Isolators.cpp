@@ -26,11 +26,11 @@ std::optional<fs::path> find(const std::string& program)
 }
 
 /** What bubblewrap says when it does the same for a command that does nothing; empty: it can. */
-std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::string> words)
+std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::string> arguments)
 {
     const syscalls::FileDescriptor complaints = makeScratchFile();
-    words.insert(words.begin(), "bwrap");
-    words.insert(words.end(), {"--", "/bin/true"});
+    arguments.insert(arguments.begin(), "bwrap");
+    arguments.insert(arguments.end(), {"--", "/bin/true"});
     // There is no status where the parent ignores it.
     static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
     const pid_t process = ::fork();
@@ -39,7 +39,7 @@ std::string bubblewrapsRefusal(const fs::path& bubblewrap, std::vector<std::stri
     }
     if (process == 0) {
         leaveStandardStreams(complaints);
-        become(bubblewrap, words);
+        become(bubblewrap, arguments);
         ::_exit(NotStarted);
     }
     const int status = waitForEnd(process);
@@ -63,15 +63,15 @@ std::string tryBubblewrap(Launch& launch, const Sandbox& sandbox, const fs::path
     if (!program) {
         return "bubblewrap is not installed";
     }
-    std::vector<std::string> words = sandbox.wordsForBubblewrap();
-    words.insert(words.end(), {"--chdir", workingDirectory.string()});
-    const std::string refusal = bubblewrapsRefusal(*program, words);
+    std::vector<std::string> arguments = sandbox.argumentsForBubblewrap();
+    arguments.insert(arguments.end(), {"--chdir", workingDirectory.string()});
+    const std::string refusal = bubblewrapsRefusal(*program, arguments);
     if (!refusal.empty()) {
         return refused("bubblewrap") + refusal + ')';
     }
     launch.through = Launch::Through::Bubblewrap;
     launch.program = *program;
-    launch.programsWords = words;
+    launch.programArguments = arguments;
     return "";
 }
 
@@ -89,8 +89,9 @@ std::string tryProot(Launch& launch, const Sandbox& sandbox, const Board& board,
     if (const fs::path own = ownProgram(); Sandbox::isHidden(own)) {
         withRunner.show(own);
     }
-    launch.programsWords = withRunner.wordsForProot();
-    launch.programsWords.insert(launch.programsWords.end(), {"-w", workingDirectory.string()});
+    launch.programArguments = withRunner.argumentsForProot();
+    launch.programArguments.insert(launch.programArguments.end(),
+                                   {"-w", workingDirectory.string()});
     launch.directory = board.directory();
     launch.refusal += refused("proot");
     return "";

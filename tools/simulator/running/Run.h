@@ -31,7 +31,7 @@ struct RunOptions
 /**
  * Runs a command on a board and waits for its end.
  *
- * @param command  the command's words; the first names its file as in a shell
+ * @param command  the command with its arguments; the first names its file as in a shell
  * @return the command's exit status: 128 + N when signal N ended it, 127 when there is no such
  *         command, 126 when it cannot be run, 125 when nothing here can run it
  * @throws Failure when the board cannot run any command

@@ -24,15 +24,15 @@ fs::path below(const fs::path& directory, const fs::path& path)
     return relative.empty() || relative == "." || *relative.begin() == ".." ? fs::path() : relative;
 }
 
-using Words = std::vector<std::string>;
+using Arguments = std::vector<std::string>;
 
-void add(Words& words, std::initializer_list<std::string> more)
+void add(Arguments& arguments, std::initializer_list<std::string> more)
 {
-    words.insert(words.end(), more);
+    arguments.insert(arguments.end(), more);
 }
 
 /** Not every machine has LEDs, and nobody can make directories in the kernel's own. */
-void addLeds(Words& words, const fs::path& own)
+void addLeds(Arguments& arguments, const fs::path& own)
 {
     const fs::path place = hardware::LedsDirectory;
     if (!fs::is_directory(place)) {
@@ -41,9 +41,9 @@ void addLeds(Words& words, const fs::path& own)
         if (!fs::is_directory(system)) {
             throw Failure("cannot show the LEDs: there is no " + system.string());
         }
-        add(words, {"--tmpfs", (fs::is_directory(classes) ? classes : system).string()});
+        add(arguments, {"--tmpfs", (fs::is_directory(classes) ? classes : system).string()});
     }
-    add(words, {"--bind", own.string(), place.string()});
+    add(arguments, {"--bind", own.string(), place.string()});
 }
 
 fs::file_type typeOf(const fs::path& path)
@@ -204,28 +204,28 @@ bool Sandbox::isOthers(const fs::path& path) const
     return false;
 }
 
-Words Sandbox::wordsForBubblewrap() const
+Arguments Sandbox::argumentsForBubblewrap() const
 {
-    Words words{"--dev-bind", "/", "/"};
+    Arguments arguments{"--dev-bind", "/", "/"};
     for (const Replacement& replacement : m_replacements) {
-        add(words, {"--bind", replacement.own.string(), replacement.place.string()});
+        add(arguments, {"--bind", replacement.own.string(), replacement.place.string()});
     }
     for (const fs::path& path : m_visible) {
-        add(words, {"--dev-bind", path.string(), path.string()});
+        add(arguments, {"--dev-bind", path.string(), path.string()});
     }
-    addLeds(words, m_leds);
+    addLeds(arguments, m_leds);
     for (const fs::path& path : m_shown) {
-        add(words, {"--dev-bind", path.string(), path.string()});
+        add(arguments, {"--dev-bind", path.string(), path.string()});
     }
-    return words;
+    return arguments;
 }
 
-Words Sandbox::wordsForProot() const
+Arguments Sandbox::argumentsForProot() const
 {
     // Its remarks on programs that signals end are not asked for.
-    Words words{"-v", "-1"};
-    const auto bind = [&words](const fs::path& own, const std::string& place) {
-        add(words, {"-b", own.filename().string() + ':' + place});
+    Arguments arguments{"-v", "-1"};
+    const auto bind = [&arguments](const fs::path& own, const std::string& place) {
+        add(arguments, {"-b", own.filename().string() + ':' + place});
     };
     for (const Replacement& replacement : m_replacements) {
         bind(replacement.own, replacement.place.string());
@@ -233,8 +233,8 @@ Words Sandbox::wordsForProot() const
     bind(m_leds, hardware::LedsDirectory);
     for (const std::vector<fs::path>* paths : {&m_visible, &m_shown}) {
         for (const fs::path& path : *paths) {
-            add(words, {"-b", forProot(path)});
+            add(arguments, {"-b", forProot(path)});
         }
     }
-    return words;
+    return arguments;
 }

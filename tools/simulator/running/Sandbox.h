@@ -48,11 +48,11 @@ public:
     /** Whether the board's own directories hide this path of the host. */
     static bool isHidden(const std::filesystem::path& path);
 
-    /** The words that tell bubblewrap all this. */
-    std::vector<std::string> wordsForBubblewrap() const;
+    /** The arguments that tell bubblewrap all this. */
+    std::vector<std::string> argumentsForBubblewrap() const;
 
     /** The same for proot, started in the board's directory. @throws Failure */
-    std::vector<std::string> wordsForProot() const;
+    std::vector<std::string> argumentsForProot() const;
 
 private:
     /** A directory of the host that the board has one of its own for. */

@@ -17,7 +17,7 @@
 namespace
 {
 
-using Words = std::vector<std::string>;
+using Arguments = std::vector<std::string>;
 
 [[noreturn]] void giveUp(const std::string& what, int error)
 {
@@ -26,7 +26,7 @@ using Words = std::vector<std::string>;
 }
 
 /** Prepares a new process for its program and becomes that. */
-[[noreturn]] void become(const Launch& launch, Words words, const Signals& signals)
+[[noreturn]] void become(const Launch& launch, Arguments arguments, const Signals& signals)
 {
     if (!launch.directory.empty() && ::chdir(launch.directory.c_str()) != 0) {
         giveUp("cannot use '" + launch.directory.string() + "'", errno);
@@ -34,17 +34,17 @@ using Words = std::vector<std::string>;
     for (const auto& [name, value] : launch.environment) {
         ::setenv(name.c_str(), value.c_str(), 1); // NOLINT(concurrency-mt-unsafe): one thread
     }
-    words.insert(words.end(), launch.command.begin(), launch.command.end());
+    arguments.insert(arguments.end(), launch.command.begin(), launch.command.end());
     signals.restore();
     const std::filesystem::path program =
         launch.program.empty() ? std::filesystem::path(launch.command.front()) : launch.program;
-    const int error = ::become(program, words);
+    const int error = ::become(program, arguments);
     giveUp("cannot run '" + program.string() + "'", error);
 }
 
-void add(Words& words, const Words& more)
+void add(Arguments& arguments, const Arguments& more)
 {
-    words.insert(words.end(), more.begin(), more.end());
+    arguments.insert(arguments.end(), more.begin(), more.end());
 }
 
 void passOn(const syscalls::FileDescriptor& file)
@@ -73,10 +73,10 @@ Started startBubblewrap(const Launch& launch, const Signals& signals)
     started.process = forkOrThrow();
     if (started.process == 0) {
         passOn(writing);
-        Words words{"bwrap", "--json-status-fd", std::to_string(writing.get())};
-        add(words, launch.programsWords);
-        words.emplace_back("--");
-        become(launch, words, signals);
+        Arguments arguments{"bwrap", "--json-status-fd", std::to_string(writing.get())};
+        add(arguments, launch.programArguments);
+        arguments.emplace_back("--");
+        become(launch, arguments, signals);
     }
     return started;
 }
@@ -103,10 +103,10 @@ Started startProot(const Launch& launch, const Signals& signals)
             giveUp("cannot filter system calls", error);
         }
         passOn(far);
-        Words words{"proot"};
-        add(words, launch.programsWords);
-        add(words, wordsToRunCommand(far.get()));
-        become(launch, words, signals);
+        Arguments arguments{"proot"};
+        add(arguments, launch.programArguments);
+        add(arguments, argumentsToRunCommand(far.get()));
+        become(launch, arguments, signals);
     }
     return started;
 }
@@ -123,9 +123,9 @@ Started startAlone(const Launch& launch, const Signals& signals)
 
 } // namespace
 
-int become(const std::filesystem::path& program, const Words& words)
+int become(const std::filesystem::path& program, const Arguments& arguments)
 {
-    Words copies = words;
+    Arguments copies = arguments;
     std::vector<char*> pointers;
     pointers.reserve(copies.size() + 1);
     for (std::string& word : copies) {

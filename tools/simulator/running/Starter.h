@@ -25,7 +25,7 @@ struct Started
 Started start(const Launch& launch, const Signals& signals);
 
 /** Turns this process into a program; the error when that fails. */
-int become(const std::filesystem::path& program, const std::vector<std::string>& words);
+int become(const std::filesystem::path& program, const std::vector<std::string>& arguments);
 
 /** Waits for a child's end: its exit status, or 128 + N after signal N. */
 int waitForEnd(pid_t process);

@@ -19,9 +19,9 @@ struct Launch
     Through through = Through::Nothing;
     /** bubblewrap or proot. */
     std::filesystem::path program;
-    std::vector<std::string> programsWords;
+    std::vector<std::string> programArguments;
     std::vector<std::string> command;
-    /** The directory that the words' relative paths start at, where that is another. */
+    /** The directory that the arguments' relative paths start at, where that is another. */
     std::filesystem::path directory;
     std::vector<std::pair<std::string, std::string>> environment;
     /** What to say when proot is not allowed its work here; its own words and ')' follow. */

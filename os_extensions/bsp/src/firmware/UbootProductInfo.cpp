@@ -54,7 +54,7 @@ struct Line
 {
     std::string_view label;
     const char* name;
-    char* room;
+    char* buffer;
     unsigned int size;
 };
 
@@ -76,12 +76,12 @@ Value findValue(std::string_view image, std::string_view label)
     return {true, offset, image.data() + offset + label.size()};
 }
 
-/** Copies the value's line, as far as there is room; the rest of the room is zeroed. */
-void copyLine(const Value& value, char* room, unsigned int size)
+/** Copies the value's line, as far as the buffer goes; the rest of it is zeroed. */
+void copyLine(const Value& value, char* buffer, unsigned int size)
 {
-    std::strncpy(room, value.text, size);
-    room[size - 1] = '\0';
-    if (char* newline = std::strchr(room, '\n')) {
+    std::strncpy(buffer, value.text, size);
+    buffer[size - 1] = '\0';
+    if (char* newline = std::strchr(buffer, '\n')) {
         *newline = '\0';
     }
 }
@@ -114,10 +114,10 @@ int Bsp_getUbootProductInfo(const char* deviceName, char* productNumber,
                       "Failed to set file offset. errno = " << syscalls::errnoText(errno));
         return -1;
     }
-    const std::uintmax_t room = static_cast<std::uintmax_t>(size) + 1;
-    const std::unique_ptr<char[]> image = allocate(room);
+    const std::uintmax_t capacity = static_cast<std::uintmax_t>(size) + 1;
+    const std::unique_ptr<char[]> image = allocate(capacity);
     if (!image) {
-        TRACE_MESSAGE(bspTrace, trace::Error, "Failed to allocate " << room << " bytes");
+        TRACE_MESSAGE(bspTrace, trace::Error, "Failed to allocate " << capacity << " bytes");
         return -1;
     }
     const ssize_t count =
@@ -141,8 +141,8 @@ int Bsp_getUbootProductInfo(const char* deviceName, char* productNumber,
             TRACE_MESSAGE(bspTrace, trace::Entry,
                           '"' << line.label << "\" found at offset " << value.offset);
         }
-        copyLine(value, line.room, line.size);
-        TRACE_MESSAGE(bspTrace, trace::Information, line.name << " = " << line.room);
+        copyLine(value, line.buffer, line.size);
+        TRACE_MESSAGE(bspTrace, trace::Information, line.name << " = " << line.buffer);
     }
     return 0;
 }

@@ -1,5 +1,5 @@
-#ifndef TOOLS_SIMULATOR_BOARD_BOARDDRAFT_H
-#define TOOLS_SIMULATOR_BOARD_BOARDDRAFT_H
+#ifndef TOOLS_SIMULATOR_BOARD_STAGINGDIRECTORY_H
+#define TOOLS_SIMULATOR_BOARD_STAGINGDIRECTORY_H
 
 #include "board/Directory.h"
 
@@ -8,17 +8,17 @@
 /**
  * A board's directory in the making, beside the place that it is for; gone unless published.
  *
- * It is held (see hold) as long as it is worked on. A draft that nobody holds is of a program that
- * was killed; the next draft beside it takes it away.
+ * It is held (see hold) as long as it is worked on. A staging directory that nobody holds is of a
+ * program that was killed; the next one beside it takes it away.
  */
-class BoardDraft
+class StagingDirectory
 {
 public:
     /** @throws Failure when the place is taken or nothing can be made there */
-    explicit BoardDraft(const std::filesystem::path& place);
-    ~BoardDraft();
-    BoardDraft(const BoardDraft&) = delete;
-    BoardDraft& operator=(const BoardDraft&) = delete;
+    explicit StagingDirectory(const std::filesystem::path& place);
+    ~StagingDirectory();
+    StagingDirectory(const StagingDirectory&) = delete;
+    StagingDirectory& operator=(const StagingDirectory&) = delete;
 
     /** The directory, which messages call by its place. */
     const Directory& directory() const { return m_directory; }
@@ -30,11 +30,11 @@ public:
     void publish();
 
 private:
-    Directory makeDraft();
+    Directory makeStaging();
 
     std::filesystem::path m_place;
     Directory m_parent;
-    std::string m_name; /**< Of the draft; empty when it is published. */
+    std::string m_name; /**< Of the staging directory; empty when it is published. */
     Directory m_directory;
 };
 

@@ -1,4 +1,4 @@
-#include "board/BoardDraft.h"
+#include "board/StagingDirectory.h"
 
 #include "board/BoardAccess.h"
 #include "report/Failure.h"
@@ -33,13 +33,13 @@ Directory parentOf(const fs::path& place)
     return {std::move(parent), place.parent_path()};
 }
 
-/** Holds a draft; false when another program does, or when it is no draft any more. */
-bool holdDraft(const Directory& parent, const std::string& name,
-               const syscalls::FileDescriptor& draft)
+/** Holds a staging directory; false when another program does, or when it is none any more. */
+bool holdStaging(const Directory& parent, const std::string& name,
+                 const syscalls::FileDescriptor& staging)
 {
     struct stat opened
     {};
-    if (::flock(draft.get(), LOCK_EX | LOCK_NB) != 0 || ::fstat(draft.get(), &opened) != 0) {
+    if (::flock(staging.get(), LOCK_EX | LOCK_NB) != 0 || ::fstat(staging.get(), &opened) != 0) {
         return false;
     }
     const std::optional<struct stat> named = parent.status(name);
@@ -47,17 +47,17 @@ bool holdDraft(const Directory& parent, const std::string& name,
            named->st_ino == opened.st_ino;
 }
 
-void discard(const Directory& parent, const std::string& name, const Directory& draft)
+void discard(const Directory& parent, const std::string& name, const Directory& staging)
 {
-    removeContents(draft);
+    removeContents(staging);
     ::unlinkat(parent.fd(), name.c_str(), AT_REMOVEDIR);
 }
 
 void discardIfAbandoned(const Directory& parent, const std::string& name)
 {
-    syscalls::FileDescriptor draft = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
-    if (draft.isOpen() && holdDraft(parent, name, draft)) {
-        discard(parent, name, {std::move(draft), parent.nameOf(name)});
+    syscalls::FileDescriptor staging = parent.openEntry(name, O_RDONLY | O_DIRECTORY);
+    if (staging.isOpen() && holdStaging(parent, name, staging)) {
+        discard(parent, name, {std::move(staging), parent.nameOf(name)});
     }
 }
 
@@ -66,7 +66,7 @@ void discardAbandoned(const Directory& parent)
 {
     struct stat status
     {};
-    // Where others can rename entries, this user's own directories could bear a draft's name.
+    // Where others can rename entries, this user's own directories could bear such a name.
     if (::fstat(parent.fd(), &status) != 0 || othersCanReplaceEntries(status)) {
         return;
     }
@@ -88,11 +88,11 @@ fs::path withoutSlash(const fs::path& place)
 
 } // namespace
 
-BoardDraft::BoardDraft(const fs::path& place)
-    : m_place(withoutSlash(place)), m_parent(parentOf(m_place)), m_directory(makeDraft())
+StagingDirectory::StagingDirectory(const fs::path& place)
+    : m_place(withoutSlash(place)), m_parent(parentOf(m_place)), m_directory(makeStaging())
 {}
 
-Directory BoardDraft::makeDraft()
+Directory StagingDirectory::makeStaging()
 {
     const std::string entry = m_place.filename();
     if (entry.empty() || entry == "." || entry == "..") {
@@ -111,9 +111,9 @@ Directory BoardDraft::makeDraft()
         if (::mkdirat(m_parent.fd(), m_name.c_str(), any) != 0) {
             continue;
         }
-        syscalls::FileDescriptor draft = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
-        if (draft.isOpen() && holdDraft(m_parent, m_name, draft)) {
-            return {std::move(draft), m_place};
+        syscalls::FileDescriptor staging = m_parent.openEntry(m_name, O_RDONLY | O_DIRECTORY);
+        if (staging.isOpen() && holdStaging(m_parent, m_name, staging)) {
+            return {std::move(staging), m_place};
         }
         // Another program may have taken it for an abandoned one.
         const int error = errno;
@@ -123,7 +123,7 @@ Directory BoardDraft::makeDraft()
     throw cannotCreate(m_place, errno);
 }
 
-BoardDraft::~BoardDraft()
+StagingDirectory::~StagingDirectory()
 {
     if (m_name.empty()) {
         return;
@@ -131,11 +131,11 @@ BoardDraft::~BoardDraft()
     try {
         discard(m_parent, m_name, m_directory);
     } catch (const Failure&) {
-        // The next draft has another try.
+        // The next program has another try.
     }
 }
 
-void BoardDraft::publish()
+void StagingDirectory::publish()
 {
     const std::string entry = m_place.filename();
     const std::optional<struct stat> status = m_parent.status(entry);
