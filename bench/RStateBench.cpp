@@ -8,7 +8,7 @@
  *
  * The ratios compare batches that take turns, so that a busy machine slows all of them down.
  */
-#include "CountedAllocations.h"
+#include "Allocations.h"
 #include "RState.h"
 
 #include <benchmark/benchmark.h>

@@ -1,6 +1,7 @@
 // States of the system that a test cannot bring about for a whole program.
 
 #include "Files.h"
+#include "SystemCalls.h"
 #include "TemporaryDirectory.h"
 #include "findings/Subjects.h"
 #include "findings/Texts.h"
@@ -18,36 +19,6 @@
 namespace
 {
 
-bool isEverythingFull = false;
-bool isEverythingReadOnly = false;
-
-} // namespace
-
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
-extern "C" int __real_statvfs64(const char* path, struct statvfs* status);
-
-extern "C" int __wrap_statvfs64(const char* path, struct statvfs* status)
-{
-    const int result = __real_statvfs64(path, status);
-    status->f_blocks = 100;
-    status->f_bavail = isEverythingFull ? 0 : 50;
-    return result;
-}
-extern "C" int __real_access(const char* path, int mode);
-
-extern "C" int __wrap_access(const char* path, int mode)
-{
-    if (isEverythingReadOnly && (mode & W_OK) != 0) {
-        errno = EROFS;
-        return -1;
-    }
-    return __real_access(path, mode);
-}
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-
-namespace
-{
-
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -58,6 +29,7 @@ class SystemFindings : public testing::Test
 protected:
     void SetUp() override
     {
+        setFreeBlocks(50);
         places.processes = directory("proc");
         places.sharedMemory = directory("shm");
         places.temporaryFiles = directory("tmp");
@@ -67,6 +39,18 @@ protected:
         fs::permissions(places.sharedMemory, fs::perms(01777));
         makeProcess(1, "init");
         setProtection("0");
+    }
+
+    ~SystemFindings() override { systemcalls::hooks() = {}; }
+
+    static void setFreeBlocks(fsblkcnt_t free)
+    {
+        systemcalls::hooks().statvfs = [free](const char* path, struct statvfs* status) {
+            const int result = systemcalls::real().statvfs(path, status);
+            status->f_blocks = 100;
+            status->f_bavail = free;
+            return result;
+        };
     }
 
     std::string directory(const std::string& name) const
@@ -182,16 +166,17 @@ TEST_F(SystemFindings, NameDirectoriesThatAreMissing)
 
 TEST_F(SystemFindings, NameDirectoriesThatAreReadOnly)
 {
-    isEverythingReadOnly = true;
+    systemcalls::hooks().access = [](const char* path, int mode) {
+        return (mode & W_OK) != 0 ? systemcalls::fail(EROFS)
+                                  : systemcalls::real().access(path, mode);
+    };
     EXPECT_THAT(names(), ElementsAre("shm-not-writable", "tmp-not-writable"));
-    isEverythingReadOnly = false;
 }
 
 TEST_F(SystemFindings, NameDirectoriesThatAreFull)
 {
-    isEverythingFull = true;
+    setFreeBlocks(0);
     EXPECT_THAT(names(), ElementsAre("shm-full", "tmp-full"));
-    isEverythingFull = false;
 }
 
 TEST_F(SystemFindings, SayThatThereAreNoProcessesToLookAt)

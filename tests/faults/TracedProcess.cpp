@@ -1,5 +1,7 @@
 #include "TracedProcess.h"
 
+#include "TracedProgram.h"
+
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -14,7 +16,6 @@
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/user.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace faults
@@ -51,52 +52,19 @@ private:
     const int m_fd;
 };
 
-/** A traced program, from its start to its end. */
-class Tracer
+/** How the program is started; what it prints goes to those files. */
+testsupport::Program programOf(const std::vector<std::string>& words, const Captured& out,
+                               const Captured& err, std::chrono::milliseconds limit)
 {
-public:
-    Tracer(const std::vector<std::string>& words, const std::optional<Fault>& fault, bool isWatched,
-           std::chrono::milliseconds limit)
-        : m_isWatched(isWatched), m_fault(fault), m_process(start(words, limit))
-    {}
-
-    ProgramRun toTheEnd()
-    {
-        int status = 0;
-        while (true) {
-            struct rusage usage = {};
-            if (::wait4(m_process, &status, 0, &usage) != m_process) {
-                fail("wait4");
-            }
-            m_run.pageFaults = usage.ru_minflt;
-            if (WIFEXITED(status) || WIFSIGNALED(status)) {
-                break;
-            }
-            handle(WSTOPSIG(status));
-        }
-        m_run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-        m_run.out = m_out.text();
-        m_run.err = m_err.text();
-        return std::move(m_run);
-    }
-
-private:
-    pid_t start(const std::vector<std::string>& words, std::chrono::milliseconds limit) const
-    {
-        const pid_t process = ::fork();
-        if (process != 0) {
-            return process;
-        }
-        std::vector<char*> argv;
-        for (const std::string& word : words) {
-            argv.push_back(const_cast<char*>(word.c_str())); // NOLINT: execv's interface
-        }
-        argv.push_back(nullptr);
+    testsupport::Program program{};
+    program.path = words.front();
+    program.arguments.assign(words.begin() + 1, words.end());
+    program.prepare = [&out, &err, limit] {
         const int nothing = ::open("/dev/null", O_RDONLY);
         ::dup2(nothing, STDIN_FILENO);
         ::close(nothing);
-        ::dup2(m_out.fd(), STDOUT_FILENO);
-        ::dup2(m_err.fd(), STDERR_FILENO);
+        ::dup2(out.fd(), STDOUT_FILENO);
+        ::dup2(err.fd(), STDERR_FILENO);
         // What the program costs does not depend on where it lies.
         ::personality(ADDR_NO_RANDOMIZE);
         const struct rlimit noCore = {0, 0};
@@ -104,40 +72,43 @@ private:
         const struct itimerval timer = {{0, 0},
                                         {limit.count() / 1000, limit.count() % 1000 * 1000}};
         ::setitimer(ITIMER_REAL, &timer, nullptr);
-        ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        ::raise(SIGSTOP);
-        ::execv(argv[0], argv.data());
-        ::_exit(127);
-    }
+    };
+    return program;
+}
 
-    void resume(int signal)
-    {
-        const auto request = m_isWatched ? PTRACE_SYSCALL : PTRACE_CONT;
-        if (::ptrace(request, m_process, nullptr, signal) != 0 && errno != ESRCH) {
-            fail("PTRACE_CONT");
-        }
-    }
+/** A traced program, from its start to its end. */
+class Tracer
+{
+public:
+    Tracer(const std::vector<std::string>& words, const std::optional<Fault>& fault,
+           std::chrono::milliseconds limit)
+        : m_fault(fault), m_program(programOf(words, m_out, m_err, limit))
+    {}
 
-    void handle(int signal)
+    ProgramRun toTheEnd(bool isWatched)
     {
-        constexpr int SystemCall = SIGTRAP | 0x80;
-        if (!m_isSetUp) {
-            m_isSetUp = true;
-            if (::ptrace(PTRACE_SETOPTIONS, m_process, nullptr,
-                         PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL) != 0) {
-                fail("PTRACE_SETOPTIONS");
-            }
-            resume(0);
-        } else if (signal == SystemCall) {
+        while (isWatched && m_program.goOnToCall()) {
             user_regs_struct registers{};
-            if (::ptrace(PTRACE_GETREGS, m_process, nullptr, &registers) != 0) {
+            if (::ptrace(PTRACE_GETREGS, m_program.process(), nullptr, &registers) != 0) {
                 fail("PTRACE_GETREGS");
             }
-            m_isInside = !m_isInside;
-            m_isInside ? enter(registers) : leave(registers);
-            resume(0);
-        } else {
-            resume(signal == SIGTRAP ? 0 : signal);
+            m_program.isInCall() ? enter(registers) : leave(registers);
+        }
+        if (!isWatched) {
+            m_program.goOnToEnd();
+        }
+        m_run.status = m_program.status();
+        m_run.pageFaults = m_program.pageFaults();
+        m_run.out = m_out.text();
+        m_run.err = m_err.text();
+        return std::move(m_run);
+    }
+
+private:
+    void setRegisters(user_regs_struct& registers) const
+    {
+        if (::ptrace(PTRACE_SETREGS, m_program.process(), nullptr, &registers) != 0) {
+            fail("PTRACE_SETREGS");
         }
     }
 
@@ -173,14 +144,12 @@ private:
             registers.rdx = 1;
             break;
         case Fault::Kills:
-            ::kill(m_process, SIGKILL);
+            ::kill(m_program.process(), SIGKILL);
             return;
         case Fault::FailsDone:
             return;
         }
-        if (::ptrace(PTRACE_SETREGS, m_process, nullptr, &registers) != 0) {
-            fail("PTRACE_SETREGS");
-        }
+        setRegisters(registers);
     }
 
     void leave(user_regs_struct& registers)
@@ -192,45 +161,39 @@ private:
             registers.rax = m_fault->kind == Fault::GivesNothing
                                 ? 0
                                 : static_cast<unsigned long long>(-m_fault->error);
-            if (m_fault->kind != Fault::Kills &&
-                ::ptrace(PTRACE_SETREGS, m_process, nullptr, &registers) != 0) {
-                fail("PTRACE_SETREGS");
-            }
+            setRegisters(registers);
         }
         m_run.calls.back().result = static_cast<long>(registers.rax);
     }
 
     void listOpenFiles()
     {
-        const std::string folder = "/proc/" + std::to_string(m_process) + "/fd";
+        const std::string folder = "/proc/" + std::to_string(m_program.process()) + "/fd";
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             std::error_code ignored;
             m_run.openFiles.push_back(std::filesystem::read_symlink(entry.path(), ignored));
         }
     }
 
-    const bool m_isWatched;
     const std::optional<Fault> m_fault;
     const Captured m_out;
     const Captured m_err;
     ProgramRun m_run{};
-    bool m_isSetUp = false;
-    bool m_isInside = false;
     bool m_isListing = false;
     bool m_isListed = false; /**< The call that the program is in. */
-    const pid_t m_process;
+    testsupport::TracedProgram m_program;
 };
 
 } // namespace
 
 ProgramRun run(const std::vector<std::string>& words, std::chrono::milliseconds limit)
 {
-    return Tracer(words, std::nullopt, false, limit).toTheEnd();
+    return Tracer(words, std::nullopt, limit).toTheEnd(false);
 }
 
 ProgramRun runWatched(const std::vector<std::string>& words, const std::optional<Fault>& fault)
 {
-    return Tracer(words, fault, true, LongestRun).toTheEnd();
+    return Tracer(words, fault, LongestRun).toTheEnd(true);
 }
 
 } // namespace faults

@@ -17,7 +17,7 @@ class FakeTime
 public:
     FakeTime()
     {
-        systemcalls::hooks().clockGettime = [this](clockid_t clock, timespec* time) {
+        systemcalls::hooks().clock_gettime = [this](clockid_t clock, timespec* time) {
             EXPECT_EQ(clock, CLOCK_MONOTONIC);
             const auto now = std::chrono::hours(1) + m_passed;
             const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now);
@@ -37,7 +37,7 @@ public:
     }
     ~FakeTime()
     {
-        systemcalls::hooks().clockGettime = nullptr;
+        systemcalls::hooks().clock_gettime = nullptr;
         systemcalls::hooks().nanosleep = nullptr;
     }
     FakeTime(const FakeTime&) = delete;

@@ -12,6 +12,7 @@
 #include "SystemCalls.h"
 
 #include <gmock/gmock.h>
+#include <zlib.h>
 
 #include <string>
 
@@ -31,7 +32,7 @@ protected:
         testsupport::writeFile(m_image, kernelImage(kernel + noise(100000)));
         m_descriptors = openDescriptors();
         hooks().startInflating = [this](z_stream* stream, int windowBits, const char* version,
-                                        int size) {
+                                      int size) {
             ++m_openStreams;
             return real().startInflating(stream, windowBits, version, size);
         };

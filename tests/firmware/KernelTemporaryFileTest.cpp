@@ -40,7 +40,7 @@ TEST_F(KernelTemporaryFile, IsMadeByTheCallThatUsesIt)
     hooks().open = [&](const char* path, int flags, mode_t mode) {
         if (std::strcmp(path, TemporaryImage) == 0) {
             flagsOfAll.push_back(flags);
-            EXPECT_EQ(mode, (flags & O_CREAT) != 0 ? 0644U : 0U);
+            EXPECT_EQ((flags & O_CREAT) != 0 ? mode : 0644U, 0644U);
         } else {
             EXPECT_EQ(flags, O_RDONLY | O_CLOEXEC);
         }

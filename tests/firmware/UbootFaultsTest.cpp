@@ -1,5 +1,6 @@
 // What keeps a boot loader from being read.
 
+#include "Allocations.h"
 #include "FirmwareImages.h"
 #include "OpenDescriptors.h"
 #include "RecordingTrace.h"
@@ -9,7 +10,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <new>
@@ -173,17 +173,19 @@ TEST(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)
     hooks() = {};
 }
 
-bool refusesMemory = false;
-
 TEST(UbootFaults, ReportsALackOfMemory)
 {
     const TemporaryDirectory directory;
     writeFile(directory.file("u-boot"), noise(500));
     const std::string name = directory.file("u-boot");
     char buffer[8] = "before";
-    refusesMemory = true;
+    testsupport::observeAllocations([](std::size_t size) {
+        if (size == 501) {
+            throw std::bad_alloc();
+        }
+    });
     const int result = Bsp_getUbootProductInfo(name.c_str(), buffer, 8, buffer, 8);
-    refusesMemory = false;
+    testsupport::observeAllocations(nullptr);
     EXPECT_EQ(result, -1);
     EXPECT_STREQ(buffer, "before");
     EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 501 bytes")));
@@ -261,27 +263,3 @@ TEST(UbootFaults, LeaksNothingHoweverOftenItFails)
 }
 
 } // namespace
-
-// The library's room for an image is the one thing that it allocates this way.
-void* operator new[](std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept
-{
-    return refusesMemory ? nullptr : std::malloc(size);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
-
-void* operator new[](std::size_t size)
-{
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}

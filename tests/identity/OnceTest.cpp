@@ -5,6 +5,7 @@
 #include "Bsp.h"
 #include "FakeBoard.h"
 #include "RecordingTrace.h"
+#include "SystemCalls.h"
 
 #include <gmock/gmock.h>
 
@@ -24,20 +25,13 @@ using fakeboard::store;
 using recordingtrace::takeLines;
 using testing::Contains;
 
-bool onceFails = false;
-
-} // namespace
-
-// The layer's calls of pthread_once come here.
-int realPthreadOnce(pthread_once_t* once, void (*function)()) __asm__("__real_pthread_once");
-int scriptedPthreadOnce(pthread_once_t* once, void (*function)()) __asm__("__wrap_pthread_once");
-int scriptedPthreadOnce(pthread_once_t* once, void (*function)())
+/** Makes the layer's calls of pthread_once fail. */
+void refuseOnce()
 {
-    return onceFails ? ENOMEM : realPthreadOnce(once, function);
+    systemcalls::hooks().pthread_once = [](pthread_once_t* /*once*/, void (* /*function*/)()) {
+        return ENOMEM;
+    };
 }
-
-namespace
-{
 
 /** Calls the function in many threads, all beginning at once. */
 template <typename Function> void inManyThreads(Function function)
@@ -167,9 +161,9 @@ TEST_P(Query, PassesAnExceptionOfTheRead)
 
 TEST_P(Query, ThrowsWhenTheThreadsLibraryRefuses)
 {
-    onceFails = true;
+    refuseOnce();
     EXPECT_THROW(ask(), std::system_error);
-    onceFails = false;
+    systemcalls::hooks() = {};
     EXPECT_EQ(eeprom().reads, 0);
     takeLines();
 }
@@ -178,10 +172,10 @@ INSTANTIATE_TEST_SUITE_P(All, Query, testing::Range(std::size_t{0}, queries.size
 
 TEST(Once, TheRadiolinkModeThrowsWhenTheThreadsLibraryRefuses)
 {
-    onceFails = true;
+    refuseOnce();
     EXPECT_THROW(os::bsp::getRadiolinkMode(), std::system_error);
     EXPECT_THROW(Bsp_getRadiolinkMode(), std::system_error);
-    onceFails = false;
+    systemcalls::hooks() = {};
     EXPECT_EQ(store().made, 0);
 }
 

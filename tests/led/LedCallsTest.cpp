@@ -1,221 +1,160 @@
 #include "Led.h"
+#include "LedTest.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
-
-#include <gmock/gmock.h>
 
 #include <cerrno>
+#include <ostream>
 
 namespace
 {
 
-using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using Lines = std::vector<std::string>;
+using Steps = std::vector<systemcalls::Step>;
 
 const std::string OpenState = "open /sys/class/leds/green/korvanta_state";
 const std::string OpenTrigger = "open /sys/class/leds/green/trigger";
 const std::string TriggerNotEnabled =
     "bsp.led 1 Led_open: Failed to enable Korvanta LED trigger.\n";
 
-constexpr unsigned int Green = 2;
-constexpr unsigned int Slow = 4;
-
-/** Sets the green LED to slow, expecting a failure with that errno. */
-void expectFailure(int error)
+std::string closeFailed(const std::string& fd, const std::string& error)
 {
-    errno = 0;
-    EXPECT_EQ(Led_setState(Green, Slow), -1);
-    EXPECT_EQ(errno, error);
+    return "bsp.led 1 Led_close(" + fd + "): close failed. errno = " + error + ".\n";
 }
 
-TEST(LedCalls, AreOneOpenAndOneWriteWhenTheTriggerIsActive)
+/** The green LED is set to slow. */
+struct Setting
 {
-    SystemCalls calls;
-    calls.opens = {{5}};
-    calls.writes = {{4}};
-    calls.closes = {{0}};
-    EXPECT_EQ(Led_setState(Green, Slow), 0);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 5 slow", "close 5"));
-    const std::vector<std::string> lines = takeLines();
-    ASSERT_EQ(lines.size(), 4U);
-    EXPECT_EQ(lines[0], "bsp.led 6 Led_setState(2,4) called\n");
-    EXPECT_EQ(lines[1], "bsp.led 6 Led_open(2) called\n");
-    EXPECT_THAT(lines[2],
-                testing::MatchesRegex("bsp.led 6 Led_write\\(5, 0x[0-9a-f]+, 4\\) called\n"));
-    EXPECT_EQ(lines[3], "bsp.led 6 Led_close(5) called\n");
-}
+    const char* name;
+    Steps opens;
+    Steps writes;
+    Steps closes;
+    int error; /**< 0 is success. */
+    Lines calls;
+    Lines messages; /**< Those up to level 5. */
 
-TEST(LedCalls, TakeDescriptor0)
-{
-    SystemCalls calls;
-    calls.opens = {{0}};
-    calls.writes = {{4}};
-    calls.closes = {{0}};
-    EXPECT_EQ(Led_setState(Green, Slow), 0);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 0 slow", "close 0"));
-}
-
-TEST(LedCalls, EnableTheTriggerWheneverTheStateCannotBeOpened)
-{
-    for (const int error : {ENOENT, EACCES, EINTR, EMFILE}) {
-        SystemCalls calls;
-        calls.opens = {{-1, error}, {6}, {7}};
-        calls.writes = {{8}, {4}};
-        calls.closes = {{0}, {0}};
-        EXPECT_EQ(Led_setState(Green, Slow), 0);
-        EXPECT_THAT(calls.calls, ElementsAre(OpenState, OpenTrigger, "write 6 korvanta", "close 6",
-                                             OpenState, "write 7 slow", "close 7"));
-        EXPECT_THAT(takeLines(5), IsEmpty());
-    }
-}
-
-TEST(LedCalls, FailWhenTheTriggerCannotBeOpened)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {-1, EACCES}};
-    expectFailure(EACCES);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, OpenTrigger));
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 1 Led_enableTrigger: open failed. errno = Permission denied. "
-                            "triggerFilename = /sys/class/leds/green/trigger.\n",
-                            TriggerNotEnabled));
-}
-
-TEST(LedCalls, FailWhenTheTriggerCannotBeWritten)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}};
-    calls.writes = {{-1, EINVAL}};
-    calls.closes = {{0}};
-    expectFailure(EINVAL);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, OpenTrigger, "write 6 korvanta", "close 6"));
-    EXPECT_THAT(takeLines(5), ElementsAre(TriggerNotEnabled));
-}
-
-TEST(LedCalls, KeepTheWritesErrorWhenTheCloseFailsToo)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}};
-    calls.writes = {{-1, EINVAL}};
-    calls.closes = {{-1, EIO}};
-    expectFailure(EINVAL);
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 1 Led_close(6): close failed. errno = Input/output error.\n",
-                            TriggerNotEnabled));
-}
-
-TEST(LedCalls, FailWhenTheTriggerCannotBeClosed)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}};
-    calls.writes = {{8}};
-    calls.closes = {{-1, EINTR}};
-    expectFailure(EINTR);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, OpenTrigger, "write 6 korvanta", "close 6"));
-    EXPECT_THAT(
-        takeLines(5),
-        ElementsAre("bsp.led 1 Led_close(6): close failed. errno = Interrupted system call.\n",
-                    TriggerNotEnabled));
-}
-
-TEST(LedCalls, WriteTheTriggerInPieces)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}, {7}};
-    calls.writes = {{3}, {-1, EINTR}, {5}, {4}};
-    calls.closes = {{0}, {0}};
-    EXPECT_EQ(Led_setState(Green, Slow), 0);
-    EXPECT_THAT(calls.calls,
-                ElementsAre(OpenState, OpenTrigger, "write 6 korvanta", "write 6 vanta",
-                            "write 6 vanta", "close 6", OpenState, "write 7 slow", "close 7"));
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 3 Led_write(): Partial write: 3 bytes written. 5 left to "
-                            "write\n"));
-}
-
-TEST(LedCalls, GoOnWhenTheTriggerTakesNothing)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}, {7}};
-    calls.writes = {{0}, {4}};
-    calls.closes = {{0}, {0}};
-    EXPECT_EQ(Led_setState(Green, Slow), 0);
-    EXPECT_THAT(takeLines(5), IsEmpty());
-}
-
-TEST(LedCalls, FailWhenTheStateCannotBeOpenedEvenThen)
-{
-    SystemCalls calls;
-    calls.opens = {{-1, ENOENT}, {6}, {-1, ENODEV}};
-    calls.writes = {{8}};
-    calls.closes = {{0}};
-    expectFailure(ENODEV);
-    EXPECT_THAT(calls.calls,
-                ElementsAre(OpenState, OpenTrigger, "write 6 korvanta", "close 6", OpenState));
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 1 Led_open: open failed. errno = No such device. ledFilename "
-                            "= /sys/class/leds/green/korvanta_state.\n"));
-}
-
-TEST(LedCalls, FailWhenTheStateCannotBeWritten)
-{
-    for (const int error : {EINVAL, EIO, EPERM}) {
-        SystemCalls calls;
-        calls.opens = {{5}};
-        calls.writes = {{-1, error}};
-        calls.closes = {{0}};
-        expectFailure(error);
-        EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 5 slow", "close 5"));
-        EXPECT_THAT(takeLines(5), IsEmpty());
-    }
-}
-
-TEST(LedCalls, FailWithTheWritesErrorWhenTheStateCannotBeClosedEither)
-{
-    SystemCalls calls;
-    calls.opens = {{5}};
-    calls.writes = {{2}, {-1, EIO}};
-    calls.closes = {{-1, EBADF}};
-    expectFailure(EIO);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 5 slow", "write 5 ow", "close 5"));
-    EXPECT_THAT(
-        takeLines(1),
-        ElementsAre("bsp.led 1 Led_close(5): close failed. errno = Bad file descriptor.\n"));
-}
-
-TEST(LedCalls, FailWhenTheStateCannotBeClosed)
-{
-    SystemCalls calls;
-    calls.opens = {{5}};
-    calls.writes = {{4}};
-    calls.closes = {{-1, EIO}};
-    expectFailure(EIO);
-    EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 5 slow", "close 5"));
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 1 Led_close(5): close failed. errno = Input/output error.\n"));
-}
-
-TEST(LedCalls, SucceedWhenTheStateTakesNothingOrPieces)
-{
+    friend std::ostream& operator<<(std::ostream& stream, const Setting& setting)
     {
-        SystemCalls calls;
-        calls.opens = {{5}};
-        calls.writes = {{0}};
-        calls.closes = {{0}};
-        EXPECT_EQ(Led_setState(Green, Slow), 0);
-        EXPECT_THAT(calls.calls, ElementsAre(OpenState, "write 5 slow", "close 5"));
+        return stream << setting.name;
     }
-    SystemCalls calls;
-    calls.opens = {{5}};
-    calls.writes = {{-1, EINTR}, {1}, {3}};
-    calls.closes = {{0}};
-    EXPECT_EQ(Led_setState(Green, Slow), 0);
-    EXPECT_THAT(calls.calls,
-                ElementsAre(OpenState, "write 5 slow", "write 5 slow", "write 5 low", "close 5"));
-    EXPECT_THAT(takeLines(5),
-                ElementsAre("bsp.led 3 Led_write(): Partial write: 1 bytes written. 3 left to "
-                            "write\n"));
+};
+
+const std::vector<Setting>& settings()
+{
+    const Lines trigger{OpenState, OpenTrigger, "write 6 korvanta", "close 6"};
+    const Lines state{OpenState, "write 5 slow", "close 5"};
+    const Lines both{OpenState, OpenTrigger,    "write 6 korvanta", "close 6",
+                     OpenState, "write 7 slow", "close 7"};
+    const Steps absent{{-1, ENOENT}, {6}, {7}};
+    static const std::vector<Setting> table{
+        {"AtOnce", {{5}}, {{4}}, {{0}}, 0, state, {}},
+        {"OnDescriptor0", {{0}}, {{4}}, {{0}}, 0, {OpenState, "write 0 slow", "close 0"}, {}},
+        {"ThatIsAbsent", absent, {{8}, {4}}, {{0}, {0}}, 0, both, {}},
+        {"ThatIsForbidden", {{-1, EACCES}, {6}, {7}}, {{8}, {4}}, {{0}, {0}}, 0, both, {}},
+        {"ThatIsInterrupted", {{-1, EINTR}, {6}, {7}}, {{8}, {4}}, {{0}, {0}}, 0, both, {}},
+        {"WithoutDescriptors", {{-1, EMFILE}, {6}, {7}}, {{8}, {4}}, {{0}, {0}}, 0, both, {}},
+        {"TriggerCannotBeOpened",
+         {{-1, ENOENT}, {-1, EACCES}},
+         {},
+         {},
+         EACCES,
+         {OpenState, OpenTrigger},
+         {"bsp.led 1 Led_enableTrigger: open failed. errno = Permission denied. "
+          "triggerFilename = /sys/class/leds/green/trigger.\n",
+          TriggerNotEnabled}},
+        {"TriggerCannotBeWritten",
+         {{-1, ENOENT}, {6}},
+         {{-1, EINVAL}},
+         {{0}},
+         EINVAL,
+         trigger,
+         {TriggerNotEnabled}},
+        {"TriggerCanNeitherBeWrittenNorClosed",
+         {{-1, ENOENT}, {6}},
+         {{-1, EINVAL}},
+         {{-1, EIO}},
+         EINVAL,
+         trigger,
+         {closeFailed("6", "Input/output error"), TriggerNotEnabled}},
+        {"TriggerCannotBeClosed",
+         {{-1, ENOENT}, {6}},
+         {{8}},
+         {{-1, EINTR}},
+         EINTR,
+         trigger,
+         {closeFailed("6", "Interrupted system call"), TriggerNotEnabled}},
+        {"TriggerInPieces",
+         absent,
+         {{3}, {-1, EINTR}, {5}, {4}},
+         {{0}, {0}},
+         0,
+         {OpenState, OpenTrigger, "write 6 korvanta", "write 6 vanta", "write 6 vanta", "close 6",
+          OpenState, "write 7 slow", "close 7"},
+         {partialWrite(3, 5)}},
+        {"TriggerTakesNothing", absent, {{0}, {4}}, {{0}, {0}}, 0, both, {}},
+        {"IsAbsentEvenThen",
+         {{-1, ENOENT}, {6}, {-1, ENODEV}},
+         {{8}},
+         {{0}},
+         ENODEV,
+         {OpenState, OpenTrigger, "write 6 korvanta", "close 6", OpenState},
+         {"bsp.led 1 Led_open: open failed. errno = No such device. ledFilename = "
+          "/sys/class/leds/green/korvanta_state.\n"}},
+        {"ThatIsInvalid", {{5}}, {{-1, EINVAL}}, {{0}}, EINVAL, state, {}},
+        {"ThatCannotBeWritten", {{5}}, {{-1, EIO}}, {{0}}, EIO, state, {}},
+        {"ThatIsNotPermitted", {{5}}, {{-1, EPERM}}, {{0}}, EPERM, state, {}},
+        {"CanNeitherBeWrittenNorClosed",
+         {{5}},
+         {{2}, {-1, EIO}},
+         {{-1, EBADF}},
+         EIO,
+         {OpenState, "write 5 slow", "write 5 ow", "close 5"},
+         {partialWrite(2, 2), closeFailed("5", "Bad file descriptor")}},
+        {"CannotBeClosed",
+         {{5}},
+         {{4}},
+         {{-1, EIO}},
+         EIO,
+         state,
+         {closeFailed("5", "Input/output error")}},
+        {"TakesNothing", {{5}}, {{0}}, {{0}}, 0, state, {}},
+        {"InPieces",
+         {{5}},
+         {{-1, EINTR}, {1}, {3}},
+         {{0}},
+         0,
+         {OpenState, "write 5 slow", "write 5 slow", "write 5 low", "close 5"},
+         {partialWrite(1, 3)}},
+    };
+    return table;
+}
+
+class LedSetting : public testing::TestWithParam<Setting>
+{};
+
+TEST_P(LedSetting, MakesTheseCallsAndSaysWhatFailed)
+{
+    const LedCalls calls(GetParam().opens, GetParam().writes, GetParam().closes);
+    errno = 0;
+    EXPECT_EQ(Led_setState(2, 4), GetParam().error == 0 ? 0 : -1);
+    if (GetParam().error != 0) {
+        EXPECT_EQ(errno, GetParam().error);
+    }
+    EXPECT_EQ(systemcalls::take(), GetParam().calls);
+    EXPECT_EQ(recordingtrace::takeLines(5), GetParam().messages);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LedSetting, testing::ValuesIn(settings()),
+                         [](const auto& chosen) { return chosen.param.name; });
+
+TEST(LedSetState, TracesItsSteps)
+{
+    const LedCalls calls({{5}}, {{4}}, {{0}});
+    EXPECT_EQ(Led_setState(2, 4), 0);
+    EXPECT_THAT(recordingtrace::takeLines(),
+                testing::ElementsAre(
+                    "bsp.led 6 Led_setState(2,4) called\n", "bsp.led 6 Led_open(2) called\n",
+                    testing::MatchesRegex("bsp.led 6 Led_write\\(5, 0x[0-9a-f]+, 4\\) called\n"),
+                    "bsp.led 6 Led_close(5) called\n"));
 }
 
 } // namespace

@@ -1,8 +1,7 @@
 #include "Files.h"
 #include "Led.h"
+#include "LedTest.h"
 #include "RecordingTrace.h"
-
-#include <gmock/gmock.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -17,10 +16,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testsupport::readFile;
 using testsupport::writeFile;
-
-const char* const ledNames[] = {"yellow", "red", "green"};
-const char* const stateNames[] = {"steady_off", "steady_on", "standby_hot", "standby_cold",
-                                  "slow",       "fast",      "interrupting"};
 
 /** The LED directories of a board of the test case's own. */
 class LedFiles : public testing::Test

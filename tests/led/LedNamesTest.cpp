@@ -1,7 +1,6 @@
 #include "Led.h"
+#include "LedTest.h"
 #include "RecordingTrace.h"
-
-#include <gmock/gmock.h>
 
 #include <cerrno>
 
@@ -11,16 +10,6 @@ namespace
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-const char* const ledNames[] = {"yellow", "red", "green"};
-const char* const stateNames[] = {"steady_off", "steady_on", "standby_hot", "standby_cold",
-                                  "slow",       "fast",      "interrupting"};
-
-/** What a violated assertion of the LED module says. */
-std::string violation(const std::string& expression)
-{
-    return "os_extensions/bsp/src/Led\\.cpp:[0-9]+: .*Assertion `" + expression + "' failed";
-}
 
 TEST(LedNames, GoFromNumberToNameAndBack)
 {

@@ -1,6 +1,7 @@
 #include "BoardDirectory.h"
 #include "Namespaces.h"
 #include "OtherUser.h"
+#include "SystemCalls.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -16,53 +17,17 @@
 namespace
 {
 
+using systemcalls::hooks;
+
 const std::string system = "/var/lib/bsp/board";
-
-/** What the wrapped calls tell. */
-struct
-{
-    std::set<std::string> directories; /**< Those that exist. */
-    uid_t user = 1000;
-    bool hasRaisedRights = false;
-} surroundings;
-
-} // namespace
-
-extern "C"
-{
-    char* __real_secure_getenv(const char* name);
-    int __wrap_access(const char* path, int mode);
-    uid_t __wrap_geteuid();
-    char* __wrap_secure_getenv(const char* name);
-}
-
-int __wrap_access(const char* path, int /*mode*/)
-{
-    if (surroundings.directories.count(path) == 1) {
-        return 0;
-    }
-    errno = ENOENT;
-    return -1;
-}
-
-uid_t __wrap_geteuid()
-{
-    return surroundings.user;
-}
-
-char* __wrap_secure_getenv(const char* name)
-{
-    return surroundings.hasRaisedRights ? nullptr : __real_secure_getenv(name);
-}
-
-namespace
-{
 
 class BoardDirectory : public testing::Test
 {
 protected:
     BoardDirectory()
     {
+        beUser(1000);
+        exist({});
         ::unsetenv("BSP_BOARD_DIR");
         ::setenv("XDG_STATE_HOME", "/the/state", 1);
         ::setenv("HOME", "/the/home", 1);
@@ -70,7 +35,13 @@ protected:
 
     static void exist(const std::set<std::string>& directories)
     {
-        surroundings.directories = directories;
+        hooks().access = [directories](const char* path, int /*mode*/) {
+            return directories.count(path) == 1 ? 0 : systemcalls::fail(ENOENT);
+        };
+    }
+    static void beUser(uid_t user)
+    {
+        hooks().geteuid = [user] { return user; };
     }
 };
 
@@ -103,7 +74,7 @@ TEST_F(BoardDirectory, IsTheUsersOwnWhenNoneExists)
 
 TEST_F(BoardDirectory, IsTheSystemsForRootWhenNoneExists)
 {
-    surroundings.user = 0;
+    beUser(0);
     EXPECT_EQ(boarddirectory::path(), system);
     exist({"/the/home/.local/state/bsp/board/"});
     EXPECT_EQ(boarddirectory::path(), "/the/home/.local/state/bsp/board");
@@ -123,7 +94,7 @@ TEST_F(BoardDirectory, IsTheSystemsForAProgramWithRaisedRights)
 {
     ::setenv("BSP_BOARD_DIR", "/the/board", 1);
     exist({"/the/state/bsp/board/", "/the/home/.local/state/bsp/board/"});
-    surroundings.hasRaisedRights = true;
+    hooks().secure_getenv = [](const char* /*name*/) { return static_cast<char*>(nullptr); };
     EXPECT_EQ(boarddirectory::path(), system);
 }
 

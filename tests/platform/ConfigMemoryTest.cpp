@@ -1,6 +1,6 @@
 #include "Board.h"
 #include "NxuConfig.h"
-#include "ScarceMemory.h"
+#include "Allocations.h"
 
 #include <gmock/gmock.h>
 

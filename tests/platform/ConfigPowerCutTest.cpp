@@ -1,4 +1,5 @@
 #include "NxuConfig.h"
+#include "SystemCalls.h"
 #include "WatchedDisk.h"
 
 #include <gmock/gmock.h>
@@ -9,40 +10,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-
-namespace
-{
-
-std::function<void()> beforeLock = [] {};
-std::function<void()> afterResolving = [] {};
-
-} // namespace
-
-// The name is the one of large files.
-extern "C"
-{
-    int __real_fcntl64(int fd, int command, void* argument);
-    int __wrap_fcntl64(int fd, int command, void* argument);
-    char* __real_realpath(const char* path, char* result);
-    char* __wrap_realpath(const char* path, char* result);
-}
-
-int __wrap_fcntl64(int fd, int command, void* argument)
-{
-    if (command == F_SETLK) {
-        beforeLock();
-    }
-    return __real_fcntl64(fd, command, argument);
-}
-
-char* __wrap_realpath(const char* path, char* result)
-{
-    char* const real = __real_realpath(path, result);
-    const int error = errno;
-    afterResolving();
-    errno = error;
-    return real;
-}
 
 namespace
 {
@@ -61,11 +28,7 @@ using testsupport::WatchedDisk;
 class ConfigPowerCut : public testing::Test
 {
 protected:
-    ~ConfigPowerCut() override
-    {
-        beforeLock = [] {};
-        afterResolving = [] {};
-    }
+    ~ConfigPowerCut() override { systemcalls::hooks() = {}; }
 
     /** What the key has on a board with that store. */
     std::string valueIn(const std::optional<std::string>& store) const
@@ -233,12 +196,13 @@ TEST_F(ConfigPowerCut, FindsALockThatOnlyWritersCanOpen)
 TEST_F(ConfigPowerCut, TakesNoLockThatIsWorthNothingByNow)
 {
     int locks = 0;
-    beforeLock = [&] {
+    systemcalls::hooks().fcntl = [&](int fd, int command, void* argument) {
         // Whoever had it has ended, and the next one has begun.
-        if (++locks == 1) {
+        if (command == F_SETLK && ++locks == 1) {
             std::filesystem::remove(board.file("settings.lock"));
             board.write("settings.lock", "");
         }
+        return systemcalls::real().fcntl(fd, command, argument);
     };
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(locks, 2);
@@ -247,7 +211,13 @@ TEST_F(ConfigPowerCut, TakesNoLockThatIsWorthNothingByNow)
 
 TEST_F(ConfigPowerCut, ChangesAStoreThatAnotherMadeAfterTheFirstLook)
 {
-    afterResolving = [&] { board.write("settings", "other=1\n"); };
+    systemcalls::hooks().realpath = [&](const char* path, char* result) {
+        char* const resolved = systemcalls::real().realpath(path, result);
+        const int error = errno;
+        board.write("settings", "other=1\n");
+        errno = error;
+        return resolved;
+    };
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(readFile(board.file("settings")), "other=1\nkey=value\n");
 }

@@ -4,6 +4,7 @@
 #include "NxuConfig.h"
 #include "Program.h"
 #include "Sanitizers.h"
+#include "SystemCalls.h"
 
 #include <gmock/gmock.h>
 
@@ -25,56 +26,9 @@
 namespace
 {
 
-/** How much later it is for the program with each look at the clock. */
-std::chrono::milliseconds pace(0);
-
-/** Done when a file's owner is changed. */
-std::function<void(int)> beforeOwnerChange = [](int) {};
-bool canLink = true;
-
-} // namespace
-
-extern "C"
-{
-    int __real_fchown(int fd, uid_t owner, gid_t group);
-    int __wrap_fchown(int fd, uid_t owner, gid_t group);
-    int __real_linkat(int fromDirectory, const char* from, int toDirectory, const char* to,
-                      int flags);
-    int __wrap_linkat(int fromDirectory, const char* from, int toDirectory, const char* to,
-                      int flags);
-}
-
-// std::chrono::steady_clock::now
-std::chrono::steady_clock::time_point
-realNow() __asm__("__real__ZNSt6chrono3_V212steady_clock3nowEv");
-std::chrono::steady_clock::time_point
-wrappedNow() __asm__("__wrap__ZNSt6chrono3_V212steady_clock3nowEv");
-
-std::chrono::steady_clock::time_point wrappedNow()
-{
-    static std::atomic<int> looks{0};
-    return realNow() + pace * looks++;
-}
-
-int __wrap_fchown(int fd, uid_t owner, gid_t group)
-{
-    beforeOwnerChange(fd);
-    return __real_fchown(fd, owner, group);
-}
-
-int __wrap_linkat(int fromDirectory, const char* from, int toDirectory, const char* to, int flags)
-{
-    if (!canLink) {
-        errno = EPERM;
-        return -1;
-    }
-    return __real_linkat(fromDirectory, from, toDirectory, to, flags);
-}
-
-namespace
-{
-
 using os::bsp::NxuConfig;
+using systemcalls::hooks;
+using systemcalls::real;
 using testsupport::Board;
 using testsupport::waitFor;
 
@@ -260,7 +214,11 @@ TEST_F(ConfigProcesses, DoNotWaitForEver)
     EXPECT_TRUE(config.set("key", "old"));
     const int lock = takeLock(board);
     const pid_t writer = inProcess([] {
-        pace = std::chrono::milliseconds(100);
+        // With each look at the clock it is later.
+        std::atomic<int> looks{0};
+        hooks().steadyNow = [&] {
+            return real().steadyNow() + std::chrono::milliseconds(100) * looks++;
+        };
         const auto start = std::chrono::steady_clock::now();
         NxuConfig own;
         std::thread thread([&] { own.set("key", "thread"); });
@@ -296,7 +254,7 @@ TEST_F(ConfigProcesses, KilledBeforeTheLockIsTheOwnersLeaveNone)
     }
     EXPECT_TRUE(config.set("key", "old"));
     const pid_t writer = inProcess([] {
-        beforeOwnerChange = [](int) { ::raise(SIGKILL); };
+        hooks().fchown = [](int, uid_t, gid_t) { return ::raise(SIGKILL); };
         return NxuConfig().set("key", "new");
     });
     EXPECT_EQ(waitFor(writer), 128 + SIGKILL);
@@ -310,12 +268,15 @@ TEST_F(ConfigProcesses, LetNobodyElseOpenTheLockBeforeItIsTheOwners)
     EXPECT_TRUE(config.set("key", "old"));
     ASSERT_EQ(::chmod(board.file("settings").c_str(), 0664), 0);
     std::set<mode_t> modes;
-    canLink = false;
-    beforeOwnerChange = [&](int fd) {
+    hooks().linkat = [](int, const char*, int, const char*, int) {
+        return systemcalls::fail(EPERM);
+    };
+    hooks().fchown = [&](int fd, uid_t owner, gid_t group) {
         struct stat status
         {};
         EXPECT_EQ(::fstat(fd, &status), 0);
         modes.insert(status.st_mode & 0777U);
+        return real().fchown(fd, owner, group);
     };
     EXPECT_TRUE(config.set("key", "new"));
     EXPECT_THAT(modes, testing::ElementsAre(0200U, 0600U)); // of the lock and of the new file

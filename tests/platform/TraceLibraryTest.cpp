@@ -1,10 +1,10 @@
 #include "Program.h"
 #include "Sanitizers.h"
+#include "SystemCalls.h"
 #include "TraceTest.h"
 
 #include <array>
 #include <ctime>
-#include <optional>
 #include <thread>
 
 namespace
@@ -19,29 +19,6 @@ using testing::StartsWith;
 using testsupport::Header;
 using testsupport::Outcome;
 using testsupport::Program;
-
-/** The time that the library is told, when it is not the real one. */
-std::optional<timespec> timeOfDay;
-
-} // namespace
-
-extern "C"
-{
-    int __real_clock_gettime(clockid_t clock, timespec* time);
-    int __wrap_clock_gettime(clockid_t clock, timespec* time);
-}
-
-int __wrap_clock_gettime(clockid_t clock, timespec* time)
-{
-    if (timeOfDay) {
-        *time = *timeOfDay;
-        return 0;
-    }
-    return __real_clock_gettime(clock, time);
-}
-
-namespace
-{
 
 using TraceLibrary = testsupport::TraceTest;
 
@@ -160,7 +137,10 @@ TEST_F(TraceLibrary, TellsTheTime)
     }
     std::vector<std::string> expected;
     for (const std::time_t time : times) {
-        timeOfDay = {time, 1002003};
+        systemcalls::hooks().clock_gettime = [time](clockid_t /*clock*/, timespec* now) {
+            *now = {time, 1002003};
+            return 0;
+        };
         write(channel, 1, "text");
         std::tm utc{};
         ::gmtime_r(&time, &utc);
@@ -168,6 +148,7 @@ TEST_F(TraceLibrary, TellsTheTime)
         std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S.001002Z ", &utc);
         expected.emplace_back(text.data());
     }
+    systemcalls::hooks() = {};
     const auto written = lines();
     ASSERT_EQ(written.size(), expected.size());
     for (std::size_t i = 0; i < written.size(); ++i) {

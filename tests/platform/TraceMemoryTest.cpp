@@ -1,7 +1,8 @@
+#include "Allocations.h"
 #include "Program.h"
-#include "ScarceMemory.h"
 #include "TraceTest.h"
 
+#include <climits>
 #include <optional>
 
 namespace
@@ -49,7 +50,9 @@ TEST_F(TraceMemory, MayBeMissingForAMessageOfPieces)
 TEST_F(TraceMemory, MayBeMissingForAChannel)
 {
     std::optional<HvxTrace> channel;
-    testsupport::withoutMemory([&] { channel.emplace(Name, 3); });
+    testsupport::failAllocations(LONG_MAX);
+    channel.emplace(Name, 3);
+    testsupport::failAllocations(0);
     EXPECT_THAT(channel->m_state, IsNull());
     write(*channel, 1, Text);
     EXPECT_THAT(lines(), IsEmpty());

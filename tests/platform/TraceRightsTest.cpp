@@ -1,5 +1,6 @@
 #include "Namespaces.h"
 #include "Program.h"
+#include "SystemCalls.h"
 #include "TraceTest.h"
 
 #include <functional>
@@ -9,30 +10,6 @@
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-
-namespace
-{
-
-/** Whether this process has more rights than who started it. */
-bool hasRaisedRights = false;
-/** Done once, when the library reads its next setting. */
-std::function<void()> beforeAnswer;
-
-} // namespace
-
-extern "C"
-{
-    char* __real_secure_getenv(const char* name);
-    char* __wrap_secure_getenv(const char* name);
-}
-
-char* __wrap_secure_getenv(const char* name)
-{
-    if (beforeAnswer) {
-        std::exchange(beforeAnswer, nullptr)();
-    }
-    return hasRaisedRights ? nullptr : __real_secure_getenv(name);
-}
 
 namespace
 {
@@ -53,7 +30,9 @@ TEST_F(TraceRights, LetTheEnvironmentSaySomethingWhenTheyAreTheStartersOwn)
 
 TEST_F(TraceRights, WhenRaisedLeaveTheEnvironmentUnheeded)
 {
-    hasRaisedRights = true;
+    systemcalls::hooks().secure_getenv = [](const char* /*name*/) {
+        return static_cast<char*>(nullptr);
+    };
     setLevels("*=7");
     EXPECT_EQ(levelOf("channel"), 3U);
     HvxTrace channel("channel", 3);
@@ -101,7 +80,11 @@ TEST_F(TraceRights, AreLookedAtByAProcessThatIsForkedMeanwhileToo)
     setLevels("bad");
     testing::internal::CaptureStderr();
     int status = -1;
-    beforeAnswer = [&] {
+    bool isForked = false;
+    systemcalls::hooks().secure_getenv = [&](const char* name) {
+        if (std::exchange(isForked, true)) {
+            return systemcalls::real().secure_getenv(name);
+        }
         std::thread([&] {
             const pid_t process = ::fork();
             if (process == 0) {
@@ -110,6 +93,7 @@ TEST_F(TraceRights, AreLookedAtByAProcessThatIsForkedMeanwhileToo)
             }
             status = testsupport::waitFor(process);
         }).join();
+        return systemcalls::real().secure_getenv(name);
     };
     EXPECT_EQ(levelOf("channel"), 3U);
     EXPECT_EQ(status, 0);

@@ -1,6 +1,7 @@
 #include "FileDescriptor.h"
 #include "Nodes.h"
 #include "Program.h"
+#include "SystemCalls.h"
 #include "TraceTest.h"
 
 #include <array>
@@ -27,22 +28,6 @@ using testing::Not;
 using testing::StartsWith;
 using testsupport::TraceTest;
 
-/** The system log that the library connects to. */
-std::string systemLog;
-/** Done once, when the library connects to it next. */
-std::function<void()> meanwhile;
-
-} // namespace
-
-extern "C"
-{
-    int __real_connect(int fd, const sockaddr* address, socklen_t size);
-    int __wrap_connect(int fd, const sockaddr* address, socklen_t size);
-}
-
-namespace
-{
-
 sockaddr_un addressOf(const std::string& path)
 {
     sockaddr_un address{};
@@ -50,24 +35,6 @@ sockaddr_un addressOf(const std::string& path)
     path.copy(address.sun_path, sizeof address.sun_path - 1);
     return address;
 }
-
-} // namespace
-
-int __wrap_connect(int fd, const sockaddr* address, socklen_t size)
-{
-    const auto* local = reinterpret_cast<const sockaddr_un*>(address);
-    if (systemLog.empty() || local->sun_path != std::string("/dev/log")) {
-        return __real_connect(fd, address, size);
-    }
-    if (meanwhile) {
-        std::exchange(meanwhile, nullptr)();
-    }
-    const sockaddr_un other = addressOf(systemLog);
-    return __real_connect(fd, reinterpret_cast<const sockaddr*>(&other), sizeof other);
-}
-
-namespace
-{
 
 /** While it lives, standard error is another file. */
 class StandardErrorAs
@@ -306,8 +273,17 @@ protected:
     WaitingSystemLog()
     {
         setOutput("syslog");
-        systemLog = directory.file("log");
+        systemcalls::hooks().connect = [this](int fd, const sockaddr* address, socklen_t /*size*/) {
+            EXPECT_STREQ(reinterpret_cast<const sockaddr_un*>(address)->sun_path, "/dev/log");
+            if (meanwhile) {
+                std::exchange(meanwhile, nullptr)();
+            }
+            const sockaddr_un other = addressOf(systemLog);
+            return systemcalls::real().connect(fd, reinterpret_cast<const sockaddr*>(&other),
+                                               sizeof other);
+        };
     }
+    ~WaitingSystemLog() override { systemcalls::hooks() = {}; }
 
     syscalls::FileDescriptor listen(int type) const
     {
@@ -324,6 +300,11 @@ protected:
         return "<11>platform_trace_test: [-0-9T:.]+Z channel[[]" + std::to_string(::getpid()) +
                "[]] 1 folder/file[.]cpp:42 " + text;
     }
+
+    /** What the library connects to. */
+    const std::string systemLog = directory.file("log");
+    /** Done once, when it connects next. */
+    std::function<void()> meanwhile;
 };
 
 std::vector<std::string> receiveAll(const syscalls::FileDescriptor& socket)

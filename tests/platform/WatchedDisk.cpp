@@ -1,5 +1,7 @@
 #include "WatchedDisk.h"
 
+#include "SystemCalls.h"
+
 #include <cerrno>
 #include <utility>
 
@@ -11,6 +13,9 @@ namespace testsupport
 
 namespace
 {
+
+using systemcalls::hooks;
+using systemcalls::real;
 
 ino_t inodeOf(const std::string& path)
 {
@@ -48,12 +53,39 @@ void WatchedDisk::watch(const Board& board, std::function<void()> atEachStep)
         m_safe[inodeOf(m_path)] = readFile(m_path);
     }
     m_named = safeContents();
-    m_watching = true;
+    hooks().write = [this](int fd, const void* data, std::size_t size) -> ssize_t {
+        if (!permits("write")) {
+            return -1;
+        }
+        const ssize_t result = real().write(fd, data, size);
+        wrote(fd);
+        return result;
+    };
+    hooks().fsync = [this](int fd) {
+        if (!permits(isDirectory(fd) ? "sync directory" : "sync")) {
+            return -1;
+        }
+        const int result = real().fsync(fd);
+        synchronised(fd);
+        return result;
+    };
+    hooks().renameat = [this](int fromDirectory, const char* from, int toDirectory,
+                              const char* to) {
+        if (!permits("rename")) {
+            return -1;
+        }
+        const int result = real().renameat(fromDirectory, from, toDirectory, to);
+        m_nameIsSafe = false;
+        takeImages("rename");
+        return result;
+    };
 }
 
 std::vector<Image> WatchedDisk::stop()
 {
-    m_watching = false;
+    hooks().write = nullptr;
+    hooks().fsync = nullptr;
+    hooks().renameat = nullptr;
     return std::exchange(m_images, {});
 }
 
@@ -65,7 +97,7 @@ void WatchedDisk::fail(const std::string& step, int error)
 
 bool WatchedDisk::permits(const std::string& step) const
 {
-    if (!m_watching || step != m_failingStep) {
+    if (step != m_failingStep) {
         return true;
     }
     errno = m_failure;
@@ -74,7 +106,7 @@ bool WatchedDisk::permits(const std::string& step) const
 
 void WatchedDisk::wrote(int fd)
 {
-    if (m_watching && std::filesystem::is_regular_file(pathOf(fd))) {
+    if (std::filesystem::is_regular_file(pathOf(fd))) {
         const std::string contents = readFile(pathOf(fd));
         m_safe[inodeOf(pathOf(fd))] = contents.substr(0, contents.size() / 2);
         takeImages("write");
@@ -83,9 +115,6 @@ void WatchedDisk::wrote(int fd)
 
 void WatchedDisk::synchronised(int fd)
 {
-    if (!m_watching) {
-        return;
-    }
     if (isDirectory(fd)) {
         m_nameIsSafe = true;
         m_named = safeContents();
@@ -93,14 +122,6 @@ void WatchedDisk::synchronised(int fd)
     } else {
         m_safe[inodeOf(pathOf(fd))] = readFile(pathOf(fd));
         takeImages("sync");
-    }
-}
-
-void WatchedDisk::renamed()
-{
-    if (m_watching) {
-        m_nameIsSafe = false;
-        takeImages("rename");
     }
 }
 
@@ -124,57 +145,6 @@ void WatchedDisk::takeImages(const std::string& step)
         m_images.push_back({step + ", name is lost", m_named});
     }
     m_atEachStep();
-}
-
-namespace
-{
-
-WatchedDisk& disk()
-{
-    return WatchedDisk::instance();
-}
-
-} // namespace
-
-extern "C"
-{
-    ssize_t __real_write(int fd, const void* data, size_t size);
-    int __real_fsync(int fd);
-    int __real_renameat(int fromDirectory, const char* from, int toDirectory, const char* to);
-
-    ssize_t __wrap_write(int fd, const void* data, size_t size);
-    int __wrap_fsync(int fd);
-    int __wrap_renameat(int fromDirectory, const char* from, int toDirectory, const char* to);
-}
-
-ssize_t __wrap_write(int fd, const void* data, size_t size)
-{
-    if (!disk().permits("write")) {
-        return -1;
-    }
-    const ssize_t result = __real_write(fd, data, size);
-    disk().wrote(fd);
-    return result;
-}
-
-int __wrap_fsync(int fd)
-{
-    if (!disk().permits(isDirectory(fd) ? "sync directory" : "sync")) {
-        return -1;
-    }
-    const int result = __real_fsync(fd);
-    disk().synchronised(fd);
-    return result;
-}
-
-int __wrap_renameat(int fromDirectory, const char* from, int toDirectory, const char* to)
-{
-    if (!disk().permits("rename")) {
-        return -1;
-    }
-    const int result = __real_renameat(fromDirectory, from, toDirectory, to);
-    disk().renamed();
-    return result;
 }
 
 } // namespace testsupport

@@ -49,19 +49,14 @@ public:
     /** Makes the calls of that step alone fail while the disk is watched. */
     void fail(const std::string& step, int error);
 
-    // What the watched calls tell:
-
+private:
     /** Whether a call is to be made; if not, errno says why. */
     bool permits(const std::string& step) const;
     void wrote(int fd);
     void synchronised(int fd);
-    void renamed();
-
-private:
     void takeImages(const std::string& step);
     std::optional<std::string> safeContents() const;
 
-    bool m_watching = false;
     std::string m_path;
     std::function<void()> m_atEachStep;
     std::optional<std::string> m_named; /**< What a power cut leaves when it takes the new name. */

@@ -1,4 +1,4 @@
-#include "CountedAllocations.h"
+#include "Allocations.h"
 #include "RState.h"
 #include "RecordingTrace.h"
 

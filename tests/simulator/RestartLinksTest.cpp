@@ -1,5 +1,5 @@
 #include "SimulatorTest.h"
-#include "Traced.h"
+#include "TracedProgram.h"
 
 #include <filesystem>
 

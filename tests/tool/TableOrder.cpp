@@ -2,12 +2,11 @@
  * @file
  * @brief Says what is there when the tool makes the command table of the group "bsp".
  */
+#include "Allocations.h"
 #include "BspEnumerations.h"
 #include "Command.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <new>
 #include <ostream>
 
 // <iostream> would make the streams here.
@@ -23,28 +22,17 @@ const char* yesOrNo(bool value)
     return value ? "yes" : "no";
 }
 
+/** Before all else that is made at the start. */
+[[gnu::constructor(101)]] void waitForTheTable()
+{
+    testsupport::observeAllocations([](std::size_t size) {
+        if (size == BspTableSize) {
+            std::fprintf(stderr, "command table: streams %s, name tables %s\n",
+                         yesOrNo(standardOutput.rdbuf() != nullptr),
+                         yesOrNo(os::bsp::productIdNames[0].text == "KT4754" &&
+                                 os::bsp::resetTypeNames[0].text == "Cold"));
+        }
+    });
+}
+
 } // namespace
-
-void* operator new(std::size_t size)
-{
-    if (size == BspTableSize) {
-        std::fprintf(stderr, "command table: streams %s, name tables %s\n",
-                     yesOrNo(standardOutput.rdbuf() != nullptr),
-                     yesOrNo(os::bsp::productIdNames[0].text == "KT4754" &&
-                             os::bsp::resetTypeNames[0].text == "Cold"));
-    }
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}

@@ -3,7 +3,7 @@
  * @brief Messages where memory is short and what the trace library throws; the library here needs
  * no memory itself.
  */
-#include "CountedAllocations.h"
+#include "Allocations.h"
 #include "ErrnoText.h"
 #include "HvxMessage.h"
 

@@ -1,7 +1,7 @@
 #include "ExpectedLines.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 #include "ExpectedLines.h"
 #include "RecordingTrace.h"
 #include "SharedNames.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 
 #include <gmock/gmock.h>
@@ -62,7 +62,7 @@ TEST(Device, ThatCannotBeMapped)
 
 TEST(Device, ThatMayNotBeLockedInMemory)
 {
-    systemcalls::queue("mmap", EAGAIN);
+    systemcalls::queue("mmap", {{-1, EAGAIN}});
     warmboard::useNxu4(warmboard::Warm);
     WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(),
@@ -74,7 +74,7 @@ TEST(Device, ThatMayNotBeLockedInMemory)
 TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
 {
     fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
-    systemcalls::queue("calloc", ENOMEM);
+    systemcalls::queue("calloc", {{-1, ENOMEM}});
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
                 AllOf(HasSubstr("os_extensions/bsp/src/warm/Database.cpp:"),
                       HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' "
@@ -84,14 +84,14 @@ TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
 TEST(DeviceDeath, WithoutMemoryAfterAFailedMapping)
 {
     fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
-    systemcalls::queue("calloc", ENOMEM);
+    systemcalls::queue("calloc", {{-1, ENOMEM}});
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
                 HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' failed."));
 }
 
 TEST(Semaphore, ThatCannotBeCreated)
 {
-    systemcalls::queue("sem_open", EACCES);
+    systemcalls::queue("sem_open", {{-1, EACCES}});
     warmboard::useNxu4(warmboard::Cold);
     fillArea(areaWith({{0, "KEPT"}}));
     WarmDatabase& database = WarmDatabase::getInstance();
@@ -113,8 +113,7 @@ TEST(Semaphore, ThatCannotBeCreated)
 TEST(Semaphore, ThatExistsButCannotBeOpened)
 {
     makeSharedNames(1);
-    systemcalls::queue("sem_open", 0);
-    systemcalls::queue("sem_open", ENOENT);
+    systemcalls::queue("sem_open", {systemcalls::Done, {-1, ENOENT}});
     WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(),
                 ElementsAre(prefix + "1 initDatabaseSemaphore(): error in sem_open error: "
@@ -128,15 +127,14 @@ TEST(Semaphore, IsWaitedForAgainAfterASignal)
     warmboard::useNxu4(warmboard::Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     systemcalls::take();
-    systemcalls::queue("sem_wait", EINTR);
-    systemcalls::queue("sem_wait", EINTR);
+    systemcalls::queue("sem_wait", {{-1, EINTR}, {-1, EINTR}});
     errno = 77;
     database.lock();
     EXPECT_EQ(errno, 0);
     EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait", "sem_wait", "sem_wait"));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 0);
     database.unlock();
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST(Semaphore, OtherFailuresOfWaitingAreIgnored)
@@ -144,11 +142,11 @@ TEST(Semaphore, OtherFailuresOfWaitingAreIgnored)
     warmboard::useNxu4(warmboard::Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     systemcalls::take();
-    systemcalls::queue("sem_wait", EINVAL);
+    systemcalls::queue("sem_wait", {{-1, EINVAL}});
     database.lock();
     EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait"));
     EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST(SemLockGuard, HoldsTheSemaphoreForItsScope)
@@ -157,7 +155,7 @@ TEST(SemLockGuard, HoldsTheSemaphoreForItsScope)
     ASSERT_EQ(::sem_init(&semaphore, 0, 1), 0);
     int value = -1;
     {
-        systemcalls::queue("sem_wait", EINTR);
+        systemcalls::queue("sem_wait", {{-1, EINTR}});
         const WarmDatabase::SemLockGuard guard(&semaphore);
         ::sem_getvalue(&semaphore, &value);
         EXPECT_EQ(value, 0);
@@ -179,8 +177,7 @@ TEST(SemLockGuard, DoesNothingWithoutASemaphore)
 
 TEST(SharedMemory, ThatCannotBeCreated)
 {
-    systemcalls::queue("shm_open", ENOENT);
-    systemcalls::queue("shm_open", EMFILE);
+    systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EMFILE}});
     warmboard::useNxu4(warmboard::Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(),
@@ -201,9 +198,8 @@ TEST(SharedMemory, ThatCannotBeCreated)
 
 TEST(SharedMemoryDeath, WithoutMemoryForPrivateMutexes)
 {
-    systemcalls::queue("shm_open", ENOENT);
-    systemcalls::queue("shm_open", EACCES);
-    systemcalls::queue("calloc", ENOMEM);
+    systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EACCES}});
+    systemcalls::queue("calloc", {{-1, ENOMEM}});
     warmboard::useNxu4(warmboard::Warm);
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
                 HasSubstr("initBlockSynchronization(): Assertion `m_blockSync != nullptr' "
@@ -213,8 +209,7 @@ TEST(SharedMemoryDeath, WithoutMemoryForPrivateMutexes)
 TEST(SharedMemory, ThatExistsButCannotBeMappedIsNotNoticed)
 {
     makeSharedNames(1);
-    systemcalls::queue("mmap", 0);
-    systemcalls::queue("mmap", EAGAIN);
+    systemcalls::queue("mmap", {systemcalls::Done, {-1, EAGAIN}});
     WarmDatabase& database = WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
     void* object = nullptr;
@@ -233,7 +228,7 @@ TEST(ExceptionAtStart, LeavesTheSemaphoreAtZero)
                 ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
                                      "Caught exception [no bus]."));
     EXPECT_THAT(systemcalls::take(), ElementsAre(mapArea, createSemaphore));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 0);
     EXPECT_EQ(area(), contents);
 
     void* object = nullptr;
@@ -249,7 +244,7 @@ TEST(ExceptionAtStart, OfAnotherKind)
     EXPECT_THAT(recordingtrace::takeLines(),
                 ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
                                      "Caught unknown exception"));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 0);
 }
 
 TEST(ExceptionAtStart, BeforeThereIsAnArea)

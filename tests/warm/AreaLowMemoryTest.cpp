@@ -2,11 +2,11 @@
  * @file
  * @brief The first use of the store where there is no memory for what is to be reported.
  */
-#include "CountedAllocations.h"
+#include "Allocations.h"
 #include "ExpectedLines.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 
 #include <gmock/gmock.h>
@@ -34,10 +34,10 @@ class WithoutMemoryDeath : public testing::Test
 protected:
     WithoutMemoryDeath()
     {
-        systemcalls::setFailureObserver([](int /*error*/) { failAllocations(LONG_MAX); });
-        systemcalls::queue("calloc", ENOMEM);
+        warmcalls::setFailureObserver([](int /*error*/) { failAllocations(LONG_MAX); });
+        systemcalls::queue("calloc", {{-1, ENOMEM}});
     }
-    ~WithoutMemoryDeath() override { systemcalls::setFailureObserver(nullptr); }
+    ~WithoutMemoryDeath() override { warmcalls::setFailureObserver(nullptr); }
 };
 
 TEST_F(WithoutMemoryDeath, TheAssertionComesAfterAMissingDevice)
@@ -64,15 +64,14 @@ protected:
     WithoutMemoryForReports()
     {
         warmboard::useNxu4(warmboard::Warm);
-        systemcalls::setFailureObserver(
-            [](int error) { failAllocations(error == ENOENT ? 0 : 1); });
+        warmcalls::setFailureObserver([](int error) { failAllocations(error == ENOENT ? 0 : 1); });
     }
-    ~WithoutMemoryForReports() override { systemcalls::setFailureObserver(nullptr); }
+    ~WithoutMemoryForReports() override { warmcalls::setFailureObserver(nullptr); }
 };
 
 TEST_F(WithoutMemoryForReports, TheMutexesAreMadeAfterAMissingSemaphore)
 {
-    systemcalls::queue("sem_open", ENOSPC);
+    systemcalls::queue("sem_open", {{-1, ENOSPC}});
     WarmDatabase& database = WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(), IsEmpty()) << "the recorder had no memory";
     EXPECT_THAT(systemcalls::take(), Contains("pthread_mutex_init at 0 shared"));
@@ -88,8 +87,7 @@ TEST_F(WithoutMemoryForReports, TheMutexesAreMadeAfterAMissingSemaphore)
 
 TEST_F(WithoutMemoryForReports, PrivateMutexesAreMadeAfterMissingOnes)
 {
-    systemcalls::queue("shm_open", ENOENT);
-    systemcalls::queue("shm_open", EACCES);
+    systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EACCES}});
     WarmDatabase::getInstance();
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(warm, freeTable));
     EXPECT_THAT(systemcalls::take(), Contains("calloc " + syncSize));

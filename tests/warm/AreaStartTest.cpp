@@ -1,8 +1,8 @@
 #include "ExpectedLines.h"
 #include "RecordingTrace.h"
 #include "SharedNames.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 
 #include <gmock/gmock.h>
@@ -37,7 +37,7 @@ void noteEverything()
     fakedevices::dtcm().onOpen = [] { systemcalls::note("open device"); };
     fakedevices::control().onCreate = [] { systemcalls::note("ask for reset cause"); };
     recordingtrace::setObserver([](const recordingtrace::Message& message) {
-        const int value = systemcalls::semaphore() == nullptr ? -1 : systemcalls::semaphoreValue();
+        const int value = warmcalls::semaphore() == nullptr ? -1 : warmcalls::semaphoreValue();
         systemcalls::note(message.text + " at " + std::to_string(value));
     });
 }
@@ -73,7 +73,7 @@ TEST(Start, OfTheFirstProcess)
     const Lines slots = initSlots();
     expected.insert(expected.end(), slots.begin(), slots.end());
     EXPECT_EQ(systemcalls::take(), expected);
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
     EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0", "close 0"));
 }
 
@@ -87,7 +87,7 @@ TEST(Start, OfAnotherProcess)
     WarmDatabase::getInstance();
     EXPECT_THAT(systemcalls::take(), ElementsAre("open device", mapArea, createSemaphore,
                                                  openSemaphore, openSync, mapSync));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
     EXPECT_EQ(area(), contents);
     EXPECT_EQ(testsupport::readFile("/dev/shm/DtcmSync").substr(0, 4), "mine");
 }
@@ -96,7 +96,7 @@ TEST(Start, DoesNotTouchTheSemaphoreOfAProcessThatStillDecides)
 {
     makeSharedNames(0);
     WarmDatabase::getInstance();
-    EXPECT_EQ(systemcalls::semaphoreValue(), 0);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 0);
     EXPECT_THAT(systemcalls::take(), Not(testing::Contains("sem_post")));
 }
 
@@ -215,7 +215,7 @@ TEST(ExitDeath, OfTheProcessThatMadeTheSemaphoreAlone)
 TEST(ExitDeath, WithAPrivateAreaAndNoSemaphore)
 {
     fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
-    systemcalls::queue("sem_open", EACCES);
+    systemcalls::queue("sem_open", {{-1, EACCES}});
     EXPECT_EXIT(useAndExit(), ExitedWithCode(0), "^munmap 32768\nshm_unlink /DtcmSync\n$");
 }
 

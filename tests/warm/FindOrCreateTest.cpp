@@ -39,7 +39,7 @@ TEST_F(FindOrCreate, HoldsTheSemaphoreAllTheTime)
     WarmDatabase& database = open();
     std::vector<int> values;
     recordingtrace::setObserver([&values](const recordingtrace::Message& /*message*/) {
-        values.push_back(systemcalls::semaphoreValue());
+        values.push_back(warmcalls::semaphoreValue());
     });
     for (int i = 0; i < 2; ++i) {
         ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
@@ -63,7 +63,7 @@ TEST_F(FindOrCreate, ReportsTwiceWhatDoesNotFit)
 
     EXPECT_FALSE(database.getObjectData("A", &m_object, 1009, &m_sync, m_created));
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLarge(1009), tooLarge(1009)));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST_F(FindOrCreate, FailsInAFullStore)
@@ -78,7 +78,7 @@ TEST_F(FindOrCreate, FailsInAFullStore)
     EXPECT_EQ(m_sync, nullptr);
     EXPECT_FALSE(m_created);
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(outOfSpace));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
     EXPECT_TRUE(database.getObjectData("31", &m_object, 8, &m_sync, m_created));
     EXPECT_FALSE(m_created);
 }

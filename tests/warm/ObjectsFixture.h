@@ -7,8 +7,8 @@
 
 #include "ExpectedLines.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 
 #include <gmock/gmock.h>

@@ -116,7 +116,7 @@ TEST_F(Creation, OfThe33rdNameFails)
     EXPECT_EQ(m_object, nullptr);
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(outOfSpace));
     EXPECT_EQ(warmboard::area(), before);
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 
     EXPECT_TRUE(database.createObject("31", &m_object, 8, true));
     EXPECT_THAT(recordingtrace::takeLines(),
@@ -137,7 +137,7 @@ TEST_F(Creation, ReleasesTheSemaphoreBeforeItReports)
     WarmDatabase& database = open();
     std::vector<int> values;
     recordingtrace::setObserver([&values](const recordingtrace::Message& /*message*/) {
-        values.push_back(systemcalls::semaphoreValue());
+        values.push_back(warmcalls::semaphoreValue());
     });
     EXPECT_TRUE(database.createObject("A", &m_object, 8, true));
     EXPECT_THAT(values, ElementsAre(1));
@@ -187,7 +187,7 @@ TEST_F(Retrieval, LooksThroughAllBlocks)
     EXPECT_TRUE(database.retrieveObject("31", &m_object, 8, true));
     EXPECT_FALSE(database.retrieveObject("32", &m_object, 8, true));
     EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(retrieved("31", 32, 8)));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST_F(Retrieval, DoesNotCompareSizes)
@@ -204,11 +204,11 @@ TEST_F(Retrieval, ReportsBeforeItReleasesTheSemaphore)
     WarmDatabase& database = open(warmboard::areaWith({{0, "A"}}));
     std::vector<int> values;
     recordingtrace::setObserver([&values](const recordingtrace::Message& /*message*/) {
-        values.push_back(systemcalls::semaphoreValue());
+        values.push_back(warmcalls::semaphoreValue());
     });
     EXPECT_TRUE(database.retrieveObject("A", &m_object, 8, true));
     EXPECT_THAT(values, ElementsAre(0));
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST_F(Retrieval, TellsNamesApart)

@@ -1,8 +1,8 @@
 #include "Bsp.h"
 #include "Files.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 
 #include <gmock/gmock.h>
 
@@ -179,7 +179,7 @@ TEST(Marker, ThatCannotBeReachedCountsAsAbsent)
 {
     warmboard::use(warmboard::Nxu5Word, warmboard::Kt4851_4Product);
     testsupport::writeFile("/tmp/restart_cold", "");
-    systemcalls::queue("access", EACCES);
+    systemcalls::queue("access", {{-1, EACCES}});
     EXPECT_EQ(getResetType(), ResetType::Warm);
 }
 

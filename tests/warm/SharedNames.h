@@ -5,7 +5,7 @@
 #ifndef TESTS_WARM_SHAREDNAMES_H
 #define TESTS_WARM_SHAREDNAMES_H
 
-#include "SystemCalls.h"
+#include "WarmCalls.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "Bsp.h"
 #include "RecordingTrace.h"
-#include "SystemCalls.h"
 #include "WarmBoard.h"
+#include "WarmCalls.h"
 #include "WarmDatabase.h"
 #include "WarmSlot.h"
 
@@ -293,7 +293,7 @@ TEST(SlotException, AtTheStartDoesNotPass)
                 ElementsAre("bsp.networking 1 WarmSlot(): Error during initialization of warm "
                             "area: Caught exception [no log]."));
     EXPECT_EQ(slot.get(), -1);
-    EXPECT_EQ(systemcalls::semaphoreValue(), 1);
+    EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
 TEST(SlotException, OfAnotherKind)
