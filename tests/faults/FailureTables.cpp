@@ -1,5 +1,7 @@
 #include "FailureTables.h"
 
+#include "Commands.h"
+
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -27,6 +29,8 @@ struct MessageRow
 const std::string Image = "/tmp/board/zImage";
 const std::string Device = BSP_TEST_DATA_DIR "/u-boot-R2B.bin";
 const std::string Store = "cannot write the configuration store /tmp/board/settings: ";
+const std::string EndsEarly =
+    "cannot read: it ends after 0 of " + std::to_string(std::strlen(Settings)) + " bytes";
 
 const std::vector<MessageRow>& messageRows()
 {
@@ -90,7 +94,11 @@ const std::vector<MessageRow>& messageRows()
          "Bsp.WarmDatabase 1 initDatabaseSemaphore(): error in sem_open error: ", End::Error},
         {"getSlotId",
          "Bsp.WarmDatabase 1 initBlockSynchronization(): error in shm_open error: ", End::Error},
+        {"setRadiolinkMode", "bsp.config 1 set(RadiolinkMode) failed: " + Store + EndsEarly,
+         End::Nothing},
         {"setRadiolinkMode", "bsp.config 1 set(RadiolinkMode) failed: " + Store, End::Anything},
+        {"clearRadiolinkMode", "bsp.config 1 clear(RadiolinkMode) failed: " + Store + EndsEarly,
+         End::Nothing},
         {"clearRadiolinkMode", "bsp.config 1 clear(RadiolinkMode) failed: " + Store, End::Anything},
     };
     return table;

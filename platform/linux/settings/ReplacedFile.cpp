@@ -3,6 +3,7 @@
 #include "SettingsFile.h"
 
 #include <cerrno>
+#include <stdexcept>
 #include <system_error>
 
 #include <unistd.h>
@@ -68,8 +69,14 @@ std::optional<ReplacedFile::Former> ReplacedFile::former() const
     if (!file.isOpen()) {
         fail("cannot open");
     }
-    const struct stat status = statusOfRegularFile(file);
-    return Former{status, bytesOf(file)};
+    Former former{statusOfRegularFile(file), bytesOf(file)};
+    // Whoever cuts it meanwhile, or a disk that gives less, must not cost the other settings.
+    if (former.bytes.size() < static_cast<std::size_t>(former.status.st_size)) {
+        throw std::runtime_error("cannot read: it ends after " +
+                                 std::to_string(former.bytes.size()) + " of " +
+                                 std::to_string(former.status.st_size) + " bytes");
+    }
+    return former;
 }
 
 void ReplacedFile::replace(const std::optional<Former>& former, const std::string& bytes) const

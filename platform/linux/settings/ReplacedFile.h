@@ -30,8 +30,8 @@ public:
 
     /**
      * What is there now, if anything.
-     * @throws std::exception when it is not to be replaced: it may not be written, is no file or
-     *         too large
+     * @throws std::exception when it is not to be replaced: it may not be written, is no file, too
+     *         large or ends before its size
      */
     std::optional<Former> former() const;
 
