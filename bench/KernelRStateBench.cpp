@@ -17,7 +17,6 @@
 #include "Bsp.h"
 #include "Files.h"
 #include "FirmwareImages.h"
-#include "TemporaryDirectory.h"
 #include "firmware/ImageFile.h"
 #include "firmware/KernelImage.h"
 #include "firmware/TemporaryFile.h"

@@ -5,7 +5,7 @@
 #ifndef BENCH_WARMSETTING_H
 #define BENCH_WARMSETTING_H
 
-#include "TemporaryDirectory.h"
+#include "Files.h"
 
 #include <array>
 #include <atomic>

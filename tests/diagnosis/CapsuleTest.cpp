@@ -9,8 +9,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::Not;
+using namespace testing;
 using testsupport::Outcome;
 
 class Capsule : public DiagTest
@@ -191,7 +190,7 @@ TEST_F(Capsule, IsRefusedWhenItIsNone)
         return outcome.err;
     };
     const std::string start = "bsp-board: cannot use '" + capsule() + "': it is no capsule";
-    EXPECT_THAT(refusal("nothing"), testing::StartsWith(start + ": "));
+    EXPECT_THAT(refusal("nothing"), StartsWith(start + ": "));
     EXPECT_EQ(refusal(R"({"schema": "bsp-diag/2", "kind": "capsule"})"),
               start + " of bsp-diag/1\n");
     fs::remove(capsule());

@@ -9,12 +9,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
+using namespace testing;
 
 const std::string Defaults = ". Follows: queries answer for hardware variant 14, whatever the "
                              "board is (KT4851_3, platform Nxu5). Cure: ";
@@ -26,10 +21,7 @@ class Check : public DiagTest
 
 TEST_F(Check, FindsNothingOnAHealthyBoard)
 {
-    const testsupport::Outcome outcome = diag({"check"}).run();
-    EXPECT_EQ(outcome.out, "nothing found\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(diag({"check"}).run(), testsupport::answer("nothing found\n"));
 }
 
 TEST_F(Check, SaysWhatItCannotSeeWithoutPrivilege)
@@ -45,9 +37,9 @@ TEST_F(Check, SaysWhatItCannotSeeWithoutPrivilege)
         fs::permissions(std::string("/sys/class/leds/") + led + "/korvanta_state", fs::perms(0666));
     }
     const testsupport::Outcome outcome = diagOfOrdinaryUser({"check"}).run();
-    EXPECT_THAT(outcome.out, testing::MatchesRegex(
-                                 "not looked at: what [0-9]+ processes of other users have mapped: "
-                                 "root may look\nnothing found\n"));
+    EXPECT_THAT(outcome.out,
+                MatchesRegex("not looked at: what [0-9]+ processes of other users have mapped: "
+                             "root may look\nnothing found\n"));
     EXPECT_EQ(outcome.status, 0);
 }
 
@@ -296,10 +288,9 @@ TEST_F(Check, NamesLedsThatCannotBeSet)
 
 TEST_F(Check, RefusesWordsThatMakeNoSense)
 {
-    const testsupport::Outcome outcome = diag({"check", "--nosuch"}).run();
-    EXPECT_EQ(outcome.err, "bsp-diag: unknown option '--nosuch'\nTry 'bsp-diag check --help'.\n");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(diag({"check", "--nosuch"}).run(),
+              testsupport::refusal(
+                  "bsp-diag: unknown option '--nosuch'\nTry 'bsp-diag check --help'.\n", 2));
 }
 
 } // namespace

@@ -1,13 +1,12 @@
 #include "DiagTest.h"
 
 #include "Namespaces.h"
-#include "SharedCopy.h"
+#include "OtherUser.h"
 
 #include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <regex>
-#include <sstream>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -107,17 +106,12 @@ std::string DiagTest::noOtherUser()
 
 testsupport::Program DiagTest::diagOfOrdinaryUser(Words words) const
 {
-    constexpr uid_t ordinaryUser = 65534;
     testsupport::Program program = diag(std::move(words));
     // Others may be unable to come to where it was built.
     const std::string copy = file("bsp-diag");
     fs::copy_file(program.path, copy, fs::copy_options::overwrite_existing);
     program.path = copy;
-    program.prepare = [] {
-        if (::setgid(ordinaryUser) != 0 || ::setuid(ordinaryUser) != 0) {
-            ::_exit(125);
-        }
-    };
+    program.prepare = testsupport::becomeOrdinaryUser;
     return program;
 }
 
@@ -126,8 +120,7 @@ DiagTest::Words DiagTest::findings(const testsupport::Program& program) const
     const testsupport::Outcome outcome = program.run();
     EXPECT_EQ(outcome.err, "");
     Words lines;
-    std::istringstream text(normal(outcome.out));
-    for (std::string line; std::getline(text, line);) {
+    for (const std::string& line : testsupport::linesOf(normal(outcome.out))) {
         if (line != "nothing found" && line.rfind("not looked at: ", 0) != 0) {
             lines.push_back(line);
         }

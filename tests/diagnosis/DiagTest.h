@@ -3,7 +3,6 @@
 
 #include "Files.h"
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -75,10 +74,7 @@ protected:
     /** Puts an object into the warm area; blocks are counted from 1. */
     void putBlock(std::size_t number, std::string name, std::string data = "") const;
     /** A word as it lies in memory. */
-    static std::string word(std::uint32_t value)
-    {
-        return {reinterpret_cast<const char*>(&value), sizeof value};
-    }
+    static std::string word(std::uint32_t value) { return testsupport::bytesOf(value); }
 
     std::string normal(std::string text) const;
 

@@ -14,9 +14,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using namespace testing;
 
 constexpr const char* KernelImage = "/dev/shm/zImage_tmp";
 const std::string Names = "of user 0, last changed TIME";
@@ -311,7 +309,7 @@ TEST_F(KernelImageFile, IsNamedWhenItWasLeftBehind)
                             "of its user, or of root, removes it. Cure: bsp-diag repair --yes "
                             "zImage_tmp"));
     EXPECT_THAT(namesIn(findings(diagOfOrdinaryUser({"check"}))),
-                testing::IsSupersetOf({"kernel-image-left", "kernel-image-foreign"}));
+                IsSupersetOf({"kernel-image-left", "kernel-image-foreign"}));
 }
 
 TEST_F(KernelImageFile, IsNoFindingWhileAQueryWorksOnIt)
@@ -322,8 +320,7 @@ TEST_F(KernelImageFile, IsNoFindingWhileAQueryWorksOnIt)
     waitSomeSeconds();
     EXPECT_THAT(findings(), IsEmpty());
     const testsupport::Outcome outcome = diag({"repair", "--yes", "zImage_tmp"}).run();
-    EXPECT_THAT(normal(outcome.out),
-                testing::StartsWith("zImage_tmp: kept, used by PROCESS (N, since "));
+    EXPECT_THAT(normal(outcome.out), StartsWith("zImage_tmp: kept, used by PROCESS (N, since "));
     EXPECT_EQ(outcome.status, 1);
     ::close(fd);
 }

@@ -2,7 +2,6 @@
 
 #include "Files.h"
 #include "SystemCalls.h"
-#include "TemporaryDirectory.h"
 #include "findings/Subjects.h"
 #include "findings/Texts.h"
 
@@ -20,11 +19,9 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using namespace testing;
 
-class SystemFindings : public testing::Test
+class SystemFindings : public Test
 {
 protected:
     void SetUp() override
@@ -185,9 +182,8 @@ TEST_F(SystemFindings, SayThatThereAreNoProcessesToLookAt)
     const Evidence evidence(places, std::chrono::milliseconds(0));
     const Diagnosis diagnosis = diagnose(evidence);
     EXPECT_TRUE(diagnosis.isBlind);
-    EXPECT_THAT(
-        diagnosis.notLookedAt,
-        testing::Contains("who uses the shared names: there is nothing in " + places.processes));
+    EXPECT_THAT(diagnosis.notLookedAt,
+                Contains("who uses the shared names: there is nothing in " + places.processes));
 }
 
 TEST_F(SystemFindings, LeaveOutAProcessThatEndsWhileItIsLookedAt)
@@ -202,7 +198,7 @@ std::string words(std::initializer_list<std::uint32_t> values)
 {
     std::string bytes;
     for (const std::uint32_t value : values) {
-        bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+        bytes += testsupport::bytesOf(value);
     }
     return bytes;
 }

@@ -16,8 +16,7 @@
 namespace
 {
 
-using faults::Fault;
-using faults::ProgramRun;
+using namespace faults;
 
 /** Whether the store's semaphore is there and taken. */
 bool isSemaphoreTaken()
@@ -41,7 +40,7 @@ void restartCold()
     }
 }
 
-class CommandCrashTest : public faults::CommandTest
+class CommandCrashTest : public CommandTest
 {
 protected:
     /** The next command answers, or waits for who was killed, until the board is restarted. */
@@ -50,15 +49,15 @@ protected:
         const bool waits = isSemaphoreTaken() || isSlotTaken();
         if (waits) {
             ++m_waiting;
-            const ProgramRun waiting = faults::run(words(), std::chrono::milliseconds(200));
+            const ProgramRun waiting = run(words(), std::chrono::milliseconds(200));
             EXPECT_EQ(waiting.status, 128 + SIGALRM) << describe(waiting);
             restartCold();
         }
-        const ProgramRun next = faults::run(words());
+        const ProgramRun next = run(words());
         EXPECT_TRUE(endsNormally(next) || (!waits && isSlotNew() && next.out == "0\n"))
             << describe(next);
         if (changesSettings()) {
-            EXPECT_EQ(testsupport::readFile(faults::SettingsFile), changedSettings());
+            EXPECT_EQ(testsupport::readFile(SettingsFile), changedSettings());
         }
     }
 
@@ -84,12 +83,12 @@ TEST_P(CommandCrashTest, LeavesAllInAStateThatTheNextCanUse)
     for (std::size_t call = 0; call < m_normal.calls.size(); ++call) {
         SCOPED_TRACE("killed at call " + std::to_string(call) + ", number " +
                      std::to_string(m_normal.calls[call].number));
-        faults::makeBoard(GetParam());
-        const ProgramRun killed = faults::runWatched(words(), Fault{call, Fault::Kills, 0});
+        makeBoard(GetParam());
+        const ProgramRun killed = runWatched(words(), Fault{call, Fault::Kills, 0});
         ASSERT_EQ(killed.status, 128 + SIGKILL);
         if (changesSettings()) {
-            EXPECT_THAT(testsupport::readFile(faults::SettingsFile),
-                        testing::AnyOf(faults::Settings, changedSettings()));
+            EXPECT_THAT(testsupport::readFile(SettingsFile),
+                        testing::AnyOf(Settings, changedSettings()));
         }
         expectNextGoesOn();
     }
@@ -99,7 +98,7 @@ TEST_P(CommandCrashTest, LeavesAllInAStateThatTheNextCanUse)
               << " times all others wait until the restart\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, CommandCrashTest, testing::ValuesIn(faults::commands()),
+INSTANTIATE_TEST_SUITE_P(Commands, CommandCrashTest, testing::ValuesIn(commands()),
                          [](const auto& chosen) { return chosen.param.name; });
 
 } // namespace

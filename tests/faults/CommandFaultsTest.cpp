@@ -21,15 +21,12 @@
 namespace
 {
 
-using faults::Command;
-using faults::Ending;
-using faults::Fault;
-using faults::ProgramRun;
+using namespace faults;
 
-class CommandFaultsTest : public faults::CommandTest
+class CommandFaultsTest : public CommandTest
 {
 protected:
-    void expectEnding(const ProgramRun& run, const faults::Call& call, const Fault& fault) const
+    void expectEnding(const ProgramRun& run, const Call& call, const Fault& fault) const
     {
         const auto& endings = GetParam().endings;
         const auto isRuns = [&](const Ending& ending) { return endsSo(run, ending); };
@@ -45,23 +42,23 @@ protected:
 
     void expectMessages(const Fault& fault)
     {
-        for (const std::string& message : faults::messages()) {
+        for (const std::string& message : messages()) {
             const bool isNormal =
                 std::find(m_messages.begin(), m_messages.end(), message) != m_messages.end();
-            const auto row = faults::rowOf(GetParam().name, message, fault.error);
+            const auto row = rowOf(GetParam().name, message, fault.error);
             if (!row.empty()) {
                 m_rows.insert(row);
             } else {
-                EXPECT_TRUE(isNormal || faults::canVary(message)) << message;
+                EXPECT_TRUE(isNormal || canVary(message)) << message;
             }
         }
     }
 
-    void expectNothingLeft(const ProgramRun& run, const faults::Call& call) const
+    void expectNothingLeft(const ProgramRun& run, const Call& call) const
     {
         // A name stays where it cannot be taken away, or cannot be seen to be the command's own.
-        if (run.status <= 128 && !faults::removesName(call) && call.number != SYS_newfstatat) {
-            std::vector<std::string> files = faults::leftFiles();
+        if (run.status <= 128 && !removesName(call) && call.number != SYS_newfstatat) {
+            std::vector<std::string> files = leftFiles();
             if (call.number == SYS_fcntl) {
                 // A lock may be another's by now, so it stays; the next one uses it.
                 files.erase(std::remove(files.begin(), files.end(), "/tmp/board/settings.lock"),
@@ -80,39 +77,39 @@ protected:
     {
         // A file that is gone has no other settings.
         if (changesSettings() && fault.error != ENOENT) {
-            EXPECT_THAT(testsupport::readFile(faults::SettingsFile),
-                        testing::AnyOf(faults::Settings, changedSettings()));
+            EXPECT_THAT(testsupport::readFile(SettingsFile),
+                        testing::AnyOf(Settings, changedSettings()));
         }
     }
 
-    std::set<faults::FailureRow> m_rows;
+    std::set<FailureRow> m_rows;
 };
 
 TEST_P(CommandFaultsTest, SurvivesEveryPlausibleFaultOfEveryCall)
 {
-    const std::vector<Fault> all = faults::plausibleFaults(m_normal.calls);
+    const std::vector<Fault> all = plausibleFaults(m_normal.calls);
     for (const Fault& fault : all) {
-        const faults::Call& call = m_normal.calls[fault.call];
-        SCOPED_TRACE(faults::describe(call, fault));
-        faults::makeBoard(GetParam());
-        const ProgramRun faulty = faults::runWatched(words(), fault);
+        const Call& call = m_normal.calls[fault.call];
+        SCOPED_TRACE(describe(call, fault));
+        makeBoard(GetParam());
+        const ProgramRun faulty = runWatched(words(), fault);
         ASSERT_GT(faulty.calls.size(), fault.call);
         ASSERT_EQ(faulty.calls[fault.call].number, call.number);
         expectEnding(faulty, call, fault);
         expectMessages(fault);
         expectNothingLeft(faulty, call);
         expectWholeSettings(fault);
-        const ProgramRun next = faults::run(words());
+        const ProgramRun next = run(words());
         EXPECT_TRUE(endsNormally(next)) << "the next: " << describe(next);
     }
-    for (const faults::FailureRow& row : faults::failuresOf(GetParam().name)) {
+    for (const FailureRow& row : failuresOf(GetParam().name)) {
         EXPECT_THAT(m_rows, testing::Contains(row));
     }
     std::cout << GetParam().name << ": " << all.size() << " faults injected, " << m_rows.size()
               << " rows of the tables of failures seen\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, CommandFaultsTest, testing::ValuesIn(faults::commands()),
+INSTANTIATE_TEST_SUITE_P(Commands, CommandFaultsTest, testing::ValuesIn(commands()),
                          [](const auto& chosen) { return chosen.param.name; });
 
 } // namespace

@@ -183,8 +183,7 @@ std::vector<std::string> messages()
     if (!fs::exists(TraceFile)) {
         return result;
     }
-    std::istringstream lines(testsupport::readFile(TraceFile));
-    for (std::string line; std::getline(lines, line);) {
+    for (const std::string& line : testsupport::linesOf(testsupport::readFile(TraceFile))) {
         // TIME CHANNEL[PROCESS] LEVEL FILE:LINE TEXT
         std::istringstream words(line);
         std::string time;

@@ -4,7 +4,6 @@
 #include "FirmwareImages.h"
 #include "Program.h"
 #include "Sanitizers.h"
-#include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
@@ -18,14 +17,8 @@
 namespace
 {
 
-using firmware::gzip;
-using firmware::kernelImage;
-using firmware::noise;
-using testsupport::Outcome;
-using testsupport::Program;
-using testsupport::TemporaryDirectory;
-using testsupport::tool;
-using testsupport::writeFile;
+using namespace firmware;
+using namespace testsupport;
 
 const std::string realKernel = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
 const std::string realBootLoader = std::string(BSP_TEST_DATA_DIR) + "/u-boot-R2B.bin";
@@ -33,9 +26,7 @@ const std::string realBootLoader = std::string(BSP_TEST_DATA_DIR) + "/u-boot-R2B
 void expectOutcome(const Outcome& outcome, const std::string& out, const std::string& err,
                    int status)
 {
-    EXPECT_EQ(outcome.out, out);
-    EXPECT_EQ(outcome.err, err);
-    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome, (Outcome{out, err, status}));
 }
 
 class FirmwareTool : public testing::Test
@@ -152,8 +143,7 @@ TEST_F(FirmwareTool, DoesNotKnowWhatItCannotInflateWhole)
 
 TEST_F(FirmwareTool, DoesNotKnowAnImageLargerThanItsMemory)
 {
-    if (testsupport::isSanitized("address") || testsupport::isSanitized("thread") ||
-        !std::string(BSP_TEST_EMULATOR).empty())
+    if (isSanitized("address") || isSanitized("thread") || !std::string(BSP_TEST_EMULATOR).empty())
     {
         GTEST_SKIP() << "sanitizers and emulators need memory without a limit";
     }
@@ -196,8 +186,7 @@ std::vector<std::string> messages(const std::string& err)
 {
     const std::regex line(R"(\S+ (\S+)\[\d+\] (\d) (\S+):\d+ (.*))");
     std::vector<std::string> result;
-    std::istringstream stream(err);
-    for (std::string text; std::getline(stream, text);) {
+    for (std::string text : linesOf(err)) {
         std::smatch match;
         if (std::regex_match(text, match, line)) {
             text = match[1].str() + ' ' + match[2].str() + ' ' +

@@ -1,7 +1,6 @@
 // Where the gzip stream is looked for in an image, and how it is inflated.
 
 #include "FirmwareImages.h"
-#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 
@@ -10,16 +9,7 @@
 namespace
 {
 
-using firmware::ask;
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::gzip;
-using firmware::headerAt;
-using firmware::inflated;
-using firmware::kernel;
-using firmware::kernelImage;
-using firmware::noise;
+using namespace firmware;
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
@@ -88,7 +78,7 @@ TEST(KernelArchive, FailsWhenItIsCutShort)
     for (const std::size_t missing : {1U, 4U, 8U, 9U, 20000U, 16384U * 3}) {
         EXPECT_EQ(ask(stream.substr(0, stream.size() - missing)), failed());
         EXPECT_THAT(takeLines(Course), ElementsAre(headerAt(0), endOfFile));
-        EXPECT_FALSE(firmware::temporaryImageExists());
+        EXPECT_FALSE(temporaryImageExists());
     }
 }
 
@@ -99,7 +89,7 @@ TEST(KernelArchive, FailsWhenItsChecksumOrLengthIsWrong)
         stream[stream.size() - fromEnd] ^= 1;
         EXPECT_EQ(ask(stream), failed());
         EXPECT_THAT(takeLines(Course), ElementsAre(headerAt(0), inflateError(-3)));
-        EXPECT_FALSE(firmware::temporaryImageExists());
+        EXPECT_FALSE(temporaryImageExists());
     }
 }
 
@@ -110,7 +100,7 @@ TEST(KernelArchive, FailsWhenItIsDamagedManyChunksOn)
     stream.replace(500000, 100000, 100000, '\xFF');
     EXPECT_EQ(ask(stream), failed());
     EXPECT_THAT(takeLines(Course), ElementsAre(headerAt(0), inflateError(-3)));
-    EXPECT_FALSE(firmware::temporaryImageExists());
+    EXPECT_FALSE(temporaryImageExists());
 }
 
 TEST(KernelArchive, MayHaveAnySizeAndCompression)
@@ -158,7 +148,7 @@ TEST(KernelArchive, MayBeEmptyWhichIsNoKernel)
                 ElementsAre(headerAt(1000), inflated,
                             "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image",
                             noVersion));
-    EXPECT_FALSE(firmware::temporaryImageExists());
+    EXPECT_FALSE(temporaryImageExists());
 }
 
 } // namespace

@@ -12,14 +12,7 @@
 namespace
 {
 
-using firmware::Answer;
-using firmware::ask;
-using firmware::failed;
-using firmware::found;
-using firmware::gzip;
-using firmware::kernelImage;
-using firmware::noise;
-using firmware::Untouched;
+using namespace firmware;
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 

@@ -19,8 +19,7 @@
 namespace
 {
 
-using firmware::askFile;
-using firmware::found;
+using namespace firmware;
 
 constexpr int Callers = 8;
 
@@ -32,13 +31,12 @@ protected:
         recordingtrace::setLevel("bsp.core", 0);
         for (int i = 0; i < Callers; ++i) {
             // Of different sizes, so that one image's remains would show in another's file.
-            testsupport::writeFile(
-                image(i),
-                firmware::kernelImage(firmware::noise(static_cast<std::size_t>(i) * 40000) +
-                                      "Linux version 2.6.34." + rstate(i)));
+            testsupport::writeFile(image(i),
+                                   kernelImage(noise(static_cast<std::size_t>(i) * 40000) +
+                                               "Linux version 2.6.34." + rstate(i)));
         }
     }
-    ~KernelConcurrency() override { EXPECT_FALSE(firmware::temporaryImageExists()); }
+    ~KernelConcurrency() override { EXPECT_FALSE(temporaryImageExists()); }
 
     std::string image(int i) const { return m_directory.file(std::to_string(i)); }
     static std::string rstate(int i) { return "R" + std::to_string(i) + "A"; }

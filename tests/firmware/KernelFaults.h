@@ -6,7 +6,6 @@
 #define TESTS_FIRMWARE_KERNELFAULTS_H
 
 #include "FirmwareImages.h"
-#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 #include "SystemCalls.h"
@@ -30,9 +29,9 @@ protected:
     KernelFaults()
     {
         testsupport::writeFile(m_image, kernelImage(kernel + noise(100000)));
-        m_descriptors = openDescriptors();
+        m_descriptors = testsupport::openDescriptors();
         hooks().startInflating = [this](z_stream* stream, int windowBits, const char* version,
-                                      int size) {
+                                        int size) {
             ++m_openStreams;
             return real().startInflating(stream, windowBits, version, size);
         };
@@ -44,7 +43,7 @@ protected:
     ~KernelFaults() override
     {
         hooks() = {};
-        EXPECT_EQ(openDescriptors(), m_descriptors);
+        EXPECT_EQ(testsupport::openDescriptors(), m_descriptors);
         EXPECT_EQ(m_openStreams, 0);
         EXPECT_FALSE(temporaryImageExists());
         EXPECT_FALSE(temporaryImageIsMapped());
@@ -54,7 +53,7 @@ protected:
 
     const TemporaryDirectory m_directory;
     const std::string m_image = m_directory.file("zImage");
-    std::ptrdiff_t m_descriptors = 0;
+    std::size_t m_descriptors = 0;
     int m_openStreams = 0;
 };
 

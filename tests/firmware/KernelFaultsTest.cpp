@@ -12,20 +12,9 @@
 namespace
 {
 
-using firmware::ask;
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::gzip;
-using firmware::headerAt1000;
-using firmware::inflated;
-using firmware::kernel;
-using firmware::KernelFaults;
-using firmware::noise;
+using namespace firmware;
 using recordingtrace::takeLines;
-using systemcalls::fail;
-using systemcalls::hooks;
-using systemcalls::real;
+using namespace systemcalls;
 using testing::ElementsAre;
 
 TEST_F(KernelFaults, InterruptedAndShortReadsAreContinuedWhereTheyWere)
@@ -203,7 +192,7 @@ TEST_F(KernelFaults, NothingBehindTheMappingIsRead)
             EXPECT_EQ(answer, failed()) << end;
             EXPECT_EQ(takeLines(1).size(), 1U);
         } else if (length <= toRState) {
-            EXPECT_EQ(answer, found(firmware::Untouched)) << end;
+            EXPECT_EQ(answer, found(Untouched)) << end;
         } else {
             EXPECT_EQ(answer, found(end.substr(toRState))) << end;
         }
@@ -211,7 +200,7 @@ TEST_F(KernelFaults, NothingBehindTheMappingIsRead)
     for (const char* end : {"Linux version   ", "Linux version +", "Linux version -1.",
                             "Linux version 1.2.99999999999999999999"})
     {
-        EXPECT_EQ(ask(gzip(noise(page - std::strlen(end)) + end)), found(firmware::Untouched));
+        EXPECT_EQ(ask(gzip(noise(page - std::strlen(end)) + end)), found(Untouched));
     }
 }
 

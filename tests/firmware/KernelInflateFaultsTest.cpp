@@ -8,22 +8,12 @@
 namespace
 {
 
-using firmware::ask;
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::gzip;
-using firmware::headerAt1000;
-using firmware::inflated;
-using firmware::kernel;
-using firmware::noise;
-using firmware::temporaryImageExists;
+using namespace firmware;
 using recordingtrace::takeLines;
-using systemcalls::hooks;
-using systemcalls::real;
+using namespace systemcalls;
 using testing::ElementsAre;
 
-class KernelInflateFaults : public firmware::KernelFaults
+class KernelInflateFaults : public KernelFaults
 {};
 
 TEST_F(KernelInflateFaults, ZlibIsAskedForGzipByTheInterfaceOfItsVersion)

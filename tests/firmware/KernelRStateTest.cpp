@@ -1,5 +1,4 @@
 #include "FirmwareImages.h"
-#include "KernelMessages.h"
 #include "KernelQuery.h"
 #include "RecordingTrace.h"
 
@@ -16,25 +15,10 @@
 namespace
 {
 
-using firmware::Answer;
-using firmware::ask;
-using firmware::askFile;
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::headerAt;
-using firmware::inflated;
-using firmware::kernel;
-using firmware::kernelImage;
-using firmware::noise;
-using firmware::TemporaryImage;
-using firmware::temporaryImageExists;
+using namespace firmware;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
-using testsupport::TemporaryDirectory;
-using testsupport::writeFile;
+using namespace testing;
+using namespace testsupport;
 
 const std::string realImage = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
 
@@ -155,7 +139,7 @@ TEST(KernelRState, LeavesTheTemporaryFilesNameAloneBeforeItNeedsTheFile)
     EXPECT_EQ(askFile(directory.path()), failed());
     EXPECT_EQ(ask(""), failed());
     EXPECT_EQ(ask("no archive"), failed());
-    EXPECT_EQ(testsupport::readFile(TemporaryImage), "somebody's");
+    EXPECT_EQ(readFile(TemporaryImage), "somebody's");
     EXPECT_EQ(takeLines(1).size(), 4U);
 }
 
@@ -174,7 +158,7 @@ TEST(KernelRState, TakesOverATemporaryFileThatWasLeftBehind)
 }
 
 /** What somebody may have planted under the temporary file's name. */
-class KernelRStatePlanted : public testing::Test
+class KernelRStatePlanted : public Test
 {
 protected:
     /** The call fails and leaves what is there as it is. */
@@ -183,9 +167,9 @@ protected:
         struct stat before = {};
         struct stat after = {};
         ASSERT_EQ(::lstat(TemporaryImage, &before), 0);
-        const auto descriptors = firmware::openDescriptors();
+        const auto descriptors = openDescriptors();
         EXPECT_EQ(ask(kernelImage(kernel)), failed());
-        EXPECT_EQ(firmware::openDescriptors(), descriptors);
+        EXPECT_EQ(openDescriptors(), descriptors);
         ASSERT_EQ(::lstat(TemporaryImage, &after), 0);
         EXPECT_EQ(before.st_ino, after.st_ino);
         EXPECT_EQ(before.st_mode, after.st_mode);
@@ -202,7 +186,7 @@ TEST_F(KernelRStatePlanted, SymbolicLinkIsNotFollowed)
     writeFile(m_directory.file("victim"), "precious");
     std::filesystem::create_symlink(m_directory.file("victim"), TemporaryImage);
     expectRefused();
-    EXPECT_EQ(testsupport::readFile(m_directory.file("victim")), "precious");
+    EXPECT_EQ(readFile(m_directory.file("victim")), "precious");
 }
 
 TEST_F(KernelRStatePlanted, SymbolicLinkToNothingMakesNothing)
@@ -295,7 +279,7 @@ TEST(KernelRState, LeaksNothingHoweverOftenItFails)
     for (std::size_t i = 0; i < images.size(); ++i) {
         writeFile(directory.file(std::to_string(i)), images[i]);
     }
-    const auto before = firmware::openDescriptors();
+    const auto before = openDescriptors();
     for (int round = 0; round < 1000; ++round) {
         ASSERT_EQ(askFile("/no/such/image"), failed());
         ASSERT_EQ(askFile(directory.path()), failed());
@@ -303,9 +287,9 @@ TEST(KernelRState, LeaksNothingHoweverOftenItFails)
             ASSERT_EQ(askFile(directory.file(std::to_string(i))), failed());
         }
     }
-    EXPECT_EQ(firmware::openDescriptors(), before);
+    EXPECT_EQ(openDescriptors(), before);
     EXPECT_FALSE(temporaryImageExists());
-    EXPECT_FALSE(firmware::temporaryImageIsMapped());
+    EXPECT_FALSE(temporaryImageIsMapped());
 }
 
 } // namespace

@@ -14,21 +14,13 @@
 namespace
 {
 
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::headerAt1000;
-using firmware::noTemporaryFile;
-using firmware::TemporaryImage;
-using firmware::temporaryImageExists;
+using namespace firmware;
 using recordingtrace::takeLines;
-using systemcalls::fail;
-using systemcalls::hooks;
-using systemcalls::real;
+using namespace systemcalls;
 using testing::ElementsAre;
 using testsupport::writeFile;
 
-class KernelTemporaryFile : public firmware::KernelFaults
+class KernelTemporaryFile : public KernelFaults
 {};
 
 constexpr int AnyOpen = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;

@@ -1,9 +1,9 @@
 // Several users want the temporary file. Each case needs root, who can be anybody.
 
-#include "FakeTime.h"
 #include "KernelFaults.h"
 #include "Namespaces.h"
-#include "StuckCaller.h"
+#include "OtherUser.h"
+#include "Waiting.h"
 
 #include <array>
 #include <chrono>
@@ -14,7 +14,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -23,38 +22,16 @@
 namespace
 {
 
-using firmware::askFile;
-using firmware::Course;
-using firmware::failed;
-using firmware::FakeTime;
-using firmware::found;
-using firmware::headerAt1000;
-using firmware::kernelImage;
-using firmware::noise;
-using firmware::noTemporaryFile;
-using firmware::planted;
-using firmware::StuckCaller;
-using firmware::TemporaryImage;
-using firmware::temporaryImageExists;
+using namespace firmware;
 using recordingtrace::takeLines;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using systemcalls::real;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::Ge;
-using testing::Le;
-using testsupport::readFile;
-using testsupport::writeFile;
+using namespace testing;
+using namespace testsupport;
 
 constexpr uid_t Nobody = 65534;
 constexpr uid_t Another = 65533;
-
-bool become(uid_t user)
-{
-    return ::setgroups(0, nullptr) == 0 && ::setresgid(user, user, user) == 0 &&
-           ::setresuid(user, user, user) == 0;
-}
 
 /** Does something in a process of that user's. */
 pid_t start(uid_t user, const std::function<bool()>& action)
@@ -123,7 +100,7 @@ private:
     int m_file = -1;
 };
 
-class KernelUsers : public firmware::KernelFaults
+class KernelUsers : public KernelFaults
 {
 protected:
     KernelUsers()
@@ -140,7 +117,7 @@ protected:
         std::filesystem::permissions("/dev/shm", std::filesystem::perms(01777));
         if (!does(Nobody, [this] { return plant() && ::access(m_image.c_str(), R_OK) == 0; })) {
             // Without CAP_SYS_PTRACE proot cannot read the paths of who becomes another user.
-            GTEST_SKIP() << (testsupport::haveNamespaces() ? "" : testsupport::NoNamespaces)
+            GTEST_SKIP() << (haveNamespaces() ? "" : NoNamespaces)
                          << "another user cannot make files in /dev/shm here";
         }
         EXPECT_TRUE(std::filesystem::remove(TemporaryImage));

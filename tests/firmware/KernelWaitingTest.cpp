@@ -1,8 +1,7 @@
 // The temporary file's name is taken: who is waited for, for how long, and what happens then.
 
-#include "FakeTime.h"
 #include "KernelFaults.h"
-#include "StuckCaller.h"
+#include "Waiting.h"
 
 #include <chrono>
 #include <future>
@@ -17,30 +16,13 @@
 namespace
 {
 
-using firmware::askFile;
-using firmware::Course;
-using firmware::failed;
-using firmware::found;
-using firmware::headerAt1000;
-using firmware::kernelImage;
-using firmware::noise;
-using firmware::noTemporaryFile;
-using firmware::planted;
-using firmware::StuckCaller;
-using firmware::TemporaryImage;
-using firmware::temporaryImageExists;
+using namespace firmware;
 using recordingtrace::takeLines;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-using systemcalls::fail;
-using systemcalls::hooks;
-using systemcalls::real;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::Ge;
-using testing::Le;
-using testsupport::readFile;
-using testsupport::writeFile;
+using namespace systemcalls;
+using namespace testing;
+using namespace testsupport;
 
 /** Somebody's file of the temporary file's name, open. */
 class SomebodysFile
@@ -69,7 +51,7 @@ private:
     const int m_fd;
 };
 
-class KernelWaiting : public firmware::KernelFaults
+class KernelWaiting : public KernelFaults
 {
 protected:
     /** Whatever is there is another user's. */
@@ -96,7 +78,7 @@ protected:
 
 TEST_F(KernelWaiting, ForACallThatEndsInTime)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
@@ -113,7 +95,7 @@ TEST_F(KernelWaiting, ForACallThatEndsInTime)
 
 TEST_F(KernelWaiting, EndsAfterTenSeconds)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
@@ -128,7 +110,7 @@ TEST_F(KernelWaiting, EndsAfterTenSeconds)
 
 TEST_F(KernelWaiting, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     const SomebodysFile his;
     his.lock();
@@ -140,7 +122,7 @@ TEST_F(KernelWaiting, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
 TEST_F(KernelWaiting, EndsAfterTenSecondsForOnesOwnFileToo)
 {
     // A process of one's own that is stopped; or another user who has locked what one of them left.
-    firmware::FakeTime time;
+    FakeTime time;
     const SomebodysFile own;
     own.lock();
     EXPECT_EQ(askAgain(), found("R1A01"));
@@ -150,7 +132,7 @@ TEST_F(KernelWaiting, EndsAfterTenSecondsForOnesOwnFileToo)
 
 TEST_F(KernelWaiting, EndsHoweverOftenTheFileComesBack)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     std::unique_ptr<SomebodysFile> his = std::make_unique<SomebodysFile>();
     his->lock();
     hooks().unlink = [&](const char* path) {
@@ -167,7 +149,7 @@ TEST_F(KernelWaiting, EndsHoweverOftenTheFileComesBack)
 
 TEST_F(KernelWaiting, EndsHoweverOftenSomebodyElseLocksFirst)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     hooks().flock = [&](int fd, int operation) {
         return operation == LOCK_UN ? real().flock(fd, operation) : fail(EWOULDBLOCK);
     };
@@ -179,7 +161,7 @@ TEST_F(KernelWaiting, EndsHoweverOftenSomebodyElseLocksFirst)
 TEST_F(KernelWaiting, IsForALeaseToo)
 {
     // The open fails as the lock of another does.
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     const SomebodysFile his;
     hooks().open = [](const char* path, int flags, mode_t mode) {
@@ -193,7 +175,7 @@ TEST_F(KernelWaiting, IsForALeaseToo)
 
 TEST_F(KernelWaiting, IsNotForAFileThatNobodyUses)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     const SomebodysFile his;
     EXPECT_EQ(askAgain(), found("R1A01"));
@@ -203,7 +185,7 @@ TEST_F(KernelWaiting, IsNotForAFileThatNobodyUses)
 
 TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
@@ -215,7 +197,7 @@ TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
 
 TEST_F(KernelWaiting, IsForAFileThatIsBeingMade)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
@@ -236,7 +218,7 @@ TEST_F(KernelWaiting, IsForAFileThatIsBeingMade)
 
 TEST_F(KernelWaiting, IsForTheNextCallToo)
 {
-    firmware::FakeTime time;
+    FakeTime time;
     beAnotherUser();
     forbidRemoving();
     auto his = std::make_unique<SomebodysFile>();
@@ -306,7 +288,7 @@ TEST_F(KernelWaiting, EmptiesWhatOneLeftBehind)
 
 TEST_F(KernelWaiting, DisturbsNoneOfTheTwo)
 {
-    const firmware::FakeTime time;
+    const FakeTime time;
     writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
     int reads = 0;
     hooks().read = [&](int fd, void* buffer, std::size_t size) {
@@ -330,7 +312,7 @@ TEST_F(KernelWaiting, IsNotForAKilledCall)
         const StuckCaller caller(m_directory.file("other"));
     }
     EXPECT_TRUE(temporaryImageExists());
-    const firmware::FakeTime time;
+    const FakeTime time;
     EXPECT_EQ(askAgain(), found("R1A01"));
     EXPECT_EQ(time.sleeps(), 0);
     EXPECT_FALSE(temporaryImageExists());

@@ -2,7 +2,6 @@
 
 #include "Allocations.h"
 #include "FirmwareImages.h"
-#include "OpenDescriptors.h"
 #include "RecordingTrace.h"
 #include "SystemCalls.h"
 #include "UbootQuery.h"
@@ -21,20 +20,12 @@
 namespace
 {
 
-using firmware::noise;
-using firmware::openDescriptors;
+using namespace firmware;
 using recordingtrace::takeLines;
-using systemcalls::fail;
-using systemcalls::hooks;
-using systemcalls::real;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testsupport::TemporaryDirectory;
-using testsupport::writeFile;
-using uboot::Answer;
-using uboot::ask;
-using uboot::askFile;
-using uboot::failed;
+using namespace systemcalls;
+using namespace testing;
+using namespace testsupport;
+using namespace uboot;
 
 std::string error(const std::string& text)
 {
@@ -179,13 +170,13 @@ TEST(UbootFaults, ReportsALackOfMemory)
     writeFile(directory.file("u-boot"), noise(500));
     const std::string name = directory.file("u-boot");
     char buffer[8] = "before";
-    testsupport::observeAllocations([](std::size_t size) {
+    observeAllocations([](std::size_t size) {
         if (size == 501) {
             throw std::bad_alloc();
         }
     });
     const int result = Bsp_getUbootProductInfo(name.c_str(), buffer, 8, buffer, 8);
-    testsupport::observeAllocations(nullptr);
+    observeAllocations(nullptr);
     EXPECT_EQ(result, -1);
     EXPECT_STREQ(buffer, "before");
     EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 501 bytes")));

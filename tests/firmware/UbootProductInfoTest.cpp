@@ -12,13 +12,9 @@ namespace
 
 using firmware::noise;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testsupport::TemporaryDirectory;
-using testsupport::writeFile;
-using uboot::Answer;
-using uboot::ask;
-using uboot::askFile;
+using namespace testing;
+using namespace testsupport;
+using namespace uboot;
 
 const std::string nul(1, '\0');
 const std::string parsing = "bsp.core 6 Bsp_getUbootProductInfo(): Start parsing for u-boot "

@@ -7,7 +7,6 @@
 
 #include "Bsp.h"
 #include "Files.h"
-#include "TemporaryDirectory.h"
 
 #include <ostream>
 #include <string>

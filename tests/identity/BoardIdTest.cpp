@@ -17,8 +17,7 @@ namespace
 
 using os::bsp::ProductId;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 int product = 0;
 int revision = 0;

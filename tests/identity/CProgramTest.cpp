@@ -5,8 +5,7 @@
 namespace
 {
 
-using testsupport::Outcome;
-using testsupport::Program;
+using namespace testsupport;
 
 Outcome run(std::vector<std::string> arguments)
 {
@@ -23,17 +22,14 @@ Outcome run(std::vector<std::string> arguments)
 
 TEST(CProgram, LearnsWhatBoardItRunsOn)
 {
-    const Outcome outcome = run({});
-    EXPECT_EQ(outcome.out, "variant: revision 3, product code 11, code 0 1 2 8 0 4 255 1\n"
-                           "board 917507 Unknown board revision Unknown board revision\n"
-                           "revision 3 product 14\n"
-                           "dsp 6 fpga 20 platform 2\n"
-                           "backplanes 2 3\n"
-                           "channels 2 radiolinks 2 switch 0\n"
-                           "paths fwqd550263_3/R1B01/fwqd550263_3.bin none\n"
-                           "mode 1 set 0 refused -1 clear 0\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run({}), answer("variant: revision 3, product code 11, code 0 1 2 8 0 4 255 1\n"
+                              "board 917507 Unknown board revision Unknown board revision\n"
+                              "revision 3 product 14\n"
+                              "dsp 6 fpga 20 platform 2\n"
+                              "backplanes 2 3\n"
+                              "channels 2 radiolinks 2 switch 0\n"
+                              "paths fwqd550263_3/R1B01/fwqd550263_3.bin none\n"
+                              "mode 1 set 0 refused -1 clear 0\n"));
 }
 
 TEST(CProgram, ReadsTheBoardIds)

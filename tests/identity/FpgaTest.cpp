@@ -13,8 +13,7 @@
 namespace
 {
 
-using fakeboard::setWord;
-using fakeboard::store;
+using namespace fakeboard;
 using recordingtrace::takeLines;
 using testing::IsEmpty;
 

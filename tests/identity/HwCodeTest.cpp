@@ -9,15 +9,13 @@
 namespace
 {
 
-using fakeboard::eeprom;
-using fakeboard::variant;
+using namespace fakeboard;
 using os::bsp::getHwRevision;
 using os::bsp::getProductId;
 using os::bsp::NxuHwCode;
 using os::bsp::ProductId;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 constexpr const char* InvalidVariant = "bsp.core 1 operator()(): Invalid hardware variant";
 constexpr const char* ReadFailed = "bsp.core 1 operator()(): e2prom_data_read() failed. Returned ";
@@ -175,7 +173,7 @@ void PrintTo(const Product& product, std::ostream* stream)
     *stream << product.code << " is " << product.id;
 }
 
-class KnownProduct : public testing::TestWithParam<Product>
+class KnownProduct : public TestWithParam<Product>
 {};
 
 TEST_P(KnownProduct, IsFoundByItsCode)
@@ -187,13 +185,12 @@ TEST_P(KnownProduct, IsFoundByItsCode)
 }
 
 INSTANTIATE_TEST_SUITE_P(Products, KnownProduct,
-                         testing::Values(Product{1, 5}, Product{2, 6}, Product{3, 7},
-                                         Product{4, 10}, Product{5, 11}, Product{6, 13},
-                                         Product{7, 8}, Product{9, 12}, Product{10, 9},
-                                         Product{11, 14}, Product{12, 15}, Product{13, 16},
-                                         Product{14, 17}));
+                         Values(Product{1, 5}, Product{2, 6}, Product{3, 7}, Product{4, 10},
+                                Product{5, 11}, Product{6, 13}, Product{7, 8}, Product{9, 12},
+                                Product{10, 9}, Product{11, 14}, Product{12, 15}, Product{13, 16},
+                                Product{14, 17}));
 
-class UnknownProduct : public testing::TestWithParam<int>
+class UnknownProduct : public TestWithParam<int>
 {};
 
 TEST_P(UnknownProduct, IsReportedAtEveryCall)
@@ -206,6 +203,6 @@ TEST_P(UnknownProduct, IsReportedAtEveryCall)
     EXPECT_THAT(takeLines(), ElementsAre(message, message));
 }
 
-INSTANTIATE_TEST_SUITE_P(Codes, UnknownProduct, testing::Values(0, 8, 15, -1, 18, 256));
+INSTANTIATE_TEST_SUITE_P(Codes, UnknownProduct, Values(0, 8, 15, -1, 18, 256));
 
 } // namespace

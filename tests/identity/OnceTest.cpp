@@ -4,6 +4,7 @@
  */
 #include "Bsp.h"
 #include "FakeBoard.h"
+#include "ManyThreads.h"
 #include "RecordingTrace.h"
 #include "SystemCalls.h"
 
@@ -20,8 +21,7 @@
 namespace
 {
 
-using fakeboard::eeprom;
-using fakeboard::store;
+using namespace fakeboard;
 using recordingtrace::takeLines;
 using testing::Contains;
 
@@ -33,25 +33,7 @@ void refuseOnce()
     };
 }
 
-/** Calls the function in many threads, all beginning at once. */
-template <typename Function> void inManyThreads(Function function)
-{
-    constexpr std::size_t Threads = 16;
-    std::atomic<std::size_t> ready{0};
-    std::vector<std::thread> threads;
-    for (std::size_t number = 0; number < Threads; ++number) {
-        threads.emplace_back([&ready, &function, number] {
-            ++ready;
-            while (ready < Threads) {
-                std::this_thread::yield();
-            }
-            function(number);
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
+constexpr std::size_t Threads = 16;
 
 void dawdle()
 {
@@ -81,7 +63,7 @@ TEST(Once, TheEepromIsReadByAllThreadsTogether)
     fakeboard::setCode(fakeboard::variant(1).code);
     eeprom().onRead = dawdle;
     std::atomic<int> wrong{0};
-    inManyThreads([&wrong](std::size_t number) {
+    testsupport::inManyThreads(Threads, [&wrong](std::size_t number) {
         const std::size_t first = number % queries.size();
         queries[first]();
         wrong += Bsp_getHwRevision() == 11 ? 0 : 1;
@@ -101,7 +83,7 @@ TEST(Once, AFailureIsReportedForAllThreadsTogether)
     fakeboard::variant(0).productCode = 1;
     fakeboard::setEquality([](const auto& /*row*/, const auto& /*code*/) { return false; });
     std::atomic<int> wrong{0};
-    inManyThreads([&wrong](std::size_t number) {
+    testsupport::inManyThreads(Threads, [&wrong](std::size_t number) {
         if (number % 2 == 0) {
             wrong += Bsp_getProductId() == 5 ? 0 : 1;
         }
@@ -119,15 +101,16 @@ TEST(Once, TheRadiolinkModeIsReadByAllThreadsTogether)
     store().values[os::bsp::key::RadiolinkMode] = os::bsp::value::radiolinkMode::Rl5;
     store().onUse = dawdle;
     std::atomic<int> wrong{0};
-    inManyThreads(
-        [&wrong](std::size_t /*number*/) { wrong += Bsp_getRadiolinkMode() == 1 ? 0 : 1; });
+    testsupport::inManyThreads(Threads, [&wrong](std::size_t /*number*/) {
+        wrong += Bsp_getRadiolinkMode() == 1 ? 0 : 1;
+    });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(store().made, 1);
 }
 
 TEST(Once, TheModeIsSetAndClearedByThreadsWithoutAnyOrder)
 {
-    inManyThreads([](std::size_t number) {
+    testsupport::inManyThreads(Threads, [](std::size_t number) {
         Bsp_setRadiolinkMode(static_cast<int>(number % 2));
         Bsp_clearRadiolinkMode();
     });

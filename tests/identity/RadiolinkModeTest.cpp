@@ -17,8 +17,7 @@ using os::bsp::getRadiolinkMode;
 using os::bsp::RadiolinkMode;
 using os::bsp::setRadiolinkMode;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 const std::string& key = os::bsp::key::RadiolinkMode;
 const std::string& rl4 = os::bsp::value::radiolinkMode::Rl4;

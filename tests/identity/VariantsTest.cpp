@@ -9,8 +9,7 @@
 namespace
 {
 
-using fakeboard::setWord;
-using fakeboard::variant;
+using namespace fakeboard;
 using os::bsp::NxuHwCode;
 using recordingtrace::takeLines;
 using testing::ElementsAre;

@@ -12,13 +12,11 @@ namespace
 {
 
 using recordingtrace::takeLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testsupport::readFile;
-using testsupport::writeFile;
+using namespace testing;
+using namespace testsupport;
 
 /** The LED directories of a board of the test case's own. */
-class LedFiles : public testing::Test
+class LedFiles : public Test
 {
 protected:
     LedFiles()
@@ -134,15 +132,11 @@ TEST_F(LedFiles, ThatAreDirectoriesAreAFailure)
 
 TEST_F(LedFiles, LeaveNoDescriptorOpen)
 {
-    const auto descriptors = [] {
-        const std::filesystem::directory_iterator entries("/proc/self/fd");
-        return std::distance(begin(entries), end(entries));
-    };
-    const auto before = descriptors();
+    const auto before = openDescriptors();
     EXPECT_EQ(Led_setState(0, 0), -1);
     writeFile(stateFile("yellow"), "");
     EXPECT_EQ(Led_setState(0, 0), 0);
-    EXPECT_EQ(descriptors(), before);
+    EXPECT_EQ(openDescriptors(), before);
     takeLines();
 }
 

@@ -2,7 +2,6 @@
 #define TESTS_PLATFORM_BOARD_H
 
 #include "Files.h"
-#include "TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,8 +1,8 @@
 #include "BoardDirectory.h"
+#include "Files.h"
 #include "Namespaces.h"
 #include "OtherUser.h"
 #include "SystemCalls.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -17,10 +17,7 @@ namespace
 {
 
 using os::bsp::NxuConfig;
-using testsupport::Board;
-using testsupport::OrdinaryUser;
-using testsupport::Outcome;
-using testsupport::readFile;
+using namespace testsupport;
 
 class ConfigFaults : public testing::Test
 {
@@ -162,8 +159,8 @@ class ConfigMounts : public ConfigFaults
 protected:
     void SetUp() override
     {
-        if (!testsupport::haveNamespaces()) {
-            GTEST_SKIP() << testsupport::NoNamespaces << "the board needs a mount of its own";
+        if (!haveNamespaces()) {
+            GTEST_SKIP() << NoNamespaces << "the board needs a mount of its own";
         }
     }
 
@@ -171,7 +168,7 @@ protected:
     static Outcome client(const std::vector<std::string>& mounts,
                           const std::vector<std::string>& arguments)
     {
-        return testsupport::sandboxed(mounts, BOARD_CLIENT, arguments).run();
+        return sandboxed(mounts, BOARD_CLIENT, arguments).run();
     }
 };
 
@@ -180,12 +177,10 @@ TEST_F(ConfigMounts, OnAReadOnlyBoardLeaveItReadable)
     board.write("register", "abcd");
     EXPECT_TRUE(config.set("key", "value"));
     const std::string before = readFile(file);
-    const Outcome outcome = client({"--ro-bind", board.path(), board.path()},
-                                   {"get", "key", "set", "key", "other", "clear", "key", "clear",
-                                    "none", "get", "key", "get", "none", "register", "register"});
-    EXPECT_EQ(outcome.out, "[value]\nfalse\nfalse\ntrue\n[value]\n[]\n1684234849\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(client({"--ro-bind", board.path(), board.path()},
+                     {"get", "key", "set", "key", "other", "clear", "key", "clear", "none", "get",
+                      "key", "get", "none", "register", "register"}),
+              answer("[value]\nfalse\nfalse\ntrue\n[value]\n[]\n1684234849\n"));
     EXPECT_EQ(readFile(file), before);
 }
 
@@ -201,13 +196,10 @@ TEST_F(ConfigMounts, OnAReadOnlyBoardMakeNoStore)
 TEST_F(ConfigMounts, OnAFullDiskKeepTheOldValue)
 {
     const std::string many(20000, 'x');
-    const Outcome outcome =
-        client({"--size", "65536", "--tmpfs", board.path()},
-               {"set", "key", "old", "fill", board.file("filler"), "set", "key", many, "get", "key",
-                "set", "other", many, "get", "other", "get", "key"});
-    EXPECT_EQ(outcome.out, "true\nfull\nfalse\n[old]\nfalse\n[]\n[old]\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(client({"--size", "65536", "--tmpfs", board.path()},
+                     {"set", "key", "old", "fill", board.file("filler"), "set", "key", many, "get",
+                      "key", "set", "other", many, "get", "other", "get", "key"}),
+              answer("true\nfull\nfalse\n[old]\nfalse\n[]\n[old]\n"));
 }
 
 TEST_F(ConfigMounts, OnAFullDiskMakeNoStore)
@@ -229,7 +221,7 @@ protected:
             GTEST_SKIP() << "only root has another user's files to make";
         }
         std::filesystem::permissions(board.path(), std::filesystem::perms(0755));
-        if (!testsupport::canBeReachedByOthers(board.path())) {
+        if (!canBeReachedByOthers(board.path())) {
             GTEST_SKIP() << "other users cannot enter the directory for temporary files";
         }
     }
@@ -239,10 +231,10 @@ protected:
     {
         const pid_t process = ::fork();
         if (process == 0) {
-            testsupport::becomeOrdinaryUser();
+            becomeOrdinaryUser();
             ::_exit(work() ? 0 : 1);
         }
-        return testsupport::waitFor(process) == 0;
+        return waitFor(process) == 0;
     }
 
     void giveTheBoardAway() const

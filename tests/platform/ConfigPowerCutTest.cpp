@@ -15,17 +15,10 @@ namespace
 {
 
 using os::bsp::NxuConfig;
-using testing::AnyOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
-using testsupport::Board;
-using testsupport::Image;
-using testsupport::readFile;
-using testsupport::WatchedDisk;
+using namespace testing;
+using namespace testsupport;
 
-class ConfigPowerCut : public testing::Test
+class ConfigPowerCut : public Test
 {
 protected:
     ~ConfigPowerCut() override { systemcalls::hooks() = {}; }
@@ -137,7 +130,7 @@ TEST_F(ConfigPowerCut, LeavesTheOldOrTheNewOfManyValues)
     }
 }
 
-class FailingStep : public ConfigPowerCut, public testing::WithParamInterface<const char*>
+class FailingStep : public ConfigPowerCut, public WithParamInterface<const char*>
 {};
 
 TEST_P(FailingStep, LeavesTheFormerStore)
@@ -169,8 +162,7 @@ TEST_P(FailingStep, LeavesNoNewStore)
     EXPECT_THAT(entries(), ElementsAre("settings"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Steps, FailingStep,
-                         testing::Values("write", "sync", "rename", "sync directory"));
+INSTANTIATE_TEST_SUITE_P(Steps, FailingStep, Values("write", "sync", "rename", "sync directory"));
 
 TEST_F(ConfigPowerCut, LeavesWhatTheNextWriterCleansUp)
 {

@@ -27,10 +27,8 @@ namespace
 {
 
 using os::bsp::NxuConfig;
-using systemcalls::hooks;
-using systemcalls::real;
-using testsupport::Board;
-using testsupport::waitFor;
+using namespace systemcalls;
+using namespace testsupport;
 
 /** Runs the work in a forked process, which ends with 0 when it returns true. */
 pid_t inProcess(const std::function<bool()>& work)
@@ -76,12 +74,6 @@ int numberOf(const std::string& value)
     return number;
 }
 
-std::size_t openFiles()
-{
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
-
 class ConfigProcesses : public testing::Test
 {
 protected:
@@ -105,9 +97,9 @@ TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
 {
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(config.get("key"), "value");
-    const std::size_t descriptors = openFiles();
+    const std::size_t descriptors = openDescriptors();
     std::function<bool(int)> generation = [&](int left) {
-        const bool isFine = config.get("key") == "value" && openFiles() == descriptors;
+        const bool isFine = config.get("key") == "value" && openDescriptors() == descriptors;
         return isFine &&
                (left == 0 || waitFor(inProcess([&] { return generation(left - 1); })) == 0);
     };
@@ -116,8 +108,8 @@ TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
 
 TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
 {
-    if (!testsupport::canForkBesideThreads()) {
-        GTEST_SKIP() << testsupport::NoForkBesideThreads;
+    if (!canForkBesideThreads()) {
+        GTEST_SKIP() << NoForkBesideThreads;
     }
     EXPECT_TRUE(config.set("key", "value"));
     std::atomic<bool> done{false};
@@ -268,9 +260,7 @@ TEST_F(ConfigProcesses, LetNobodyElseOpenTheLockBeforeItIsTheOwners)
     EXPECT_TRUE(config.set("key", "old"));
     ASSERT_EQ(::chmod(board.file("settings").c_str(), 0664), 0);
     std::set<mode_t> modes;
-    hooks().linkat = [](int, const char*, int, const char*, int) {
-        return systemcalls::fail(EPERM);
-    };
+    hooks().linkat = [](int, const char*, int, const char*, int) { return fail(EPERM); };
     hooks().fchown = [&](int fd, uid_t owner, gid_t group) {
         struct stat status
         {};

@@ -20,12 +20,10 @@ namespace
 {
 
 using os::bsp::NxuConfig;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testsupport::Board;
-using testsupport::readFile;
+using namespace testing;
+using namespace testsupport;
 
-class ConfigStore : public testing::Test
+class ConfigStore : public Test
 {
 protected:
     ~ConfigStore() override { systemcalls::hooks() = {}; }
@@ -361,7 +359,7 @@ TEST_F(ConfigStore, IsNotOpenBetweenCalls)
 
 TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
 {
-    if (testsupport::isSanitized("thread")) {
+    if (isSanitized("thread")) {
         GTEST_SKIP() << "the sanitizer takes printing on closed streams, as here, for a race";
     }
     EXPECT_TRUE(config.set("key", "value"));
@@ -387,7 +385,7 @@ TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
         printer.join();
         ::_exit(isFine ? 0 : 1);
     }
-    EXPECT_EQ(testsupport::waitFor(process), 0);
+    EXPECT_EQ(waitFor(process), 0);
     EXPECT_EQ(readFile(board.file("settings")), "key=49\n");
 }
 

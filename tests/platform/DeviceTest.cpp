@@ -24,10 +24,7 @@ using DDevIo::Factory;
 using DDevIo::IDevice;
 using DDevIo::IMutex;
 using DDevIo::PthreadMutex;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::IsNull;
-using testing::NotNull;
+using namespace testing;
 using testsupport::Board;
 
 const char* const NoNames[] = {"", ".", "..", "/", "a/b", "../device", "/etc/passwd", "device/"};

@@ -14,8 +14,7 @@ namespace
 {
 
 using testing::ElementsAre;
-using testsupport::Outcome;
-using testsupport::Program;
+using namespace testsupport;
 
 /** The names that a shared library defines, without the arguments of functions. */
 std::set<std::string> exportsOf(const std::string& library)

@@ -1,7 +1,6 @@
 #include "OpenFile.h"
 #include "Files.h"
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -14,9 +14,7 @@ namespace
 
 using settings::Entries;
 using settings::SettingsText;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
+using namespace testing;
 
 Entries entriesOf(const std::string& text)
 {

@@ -6,8 +6,7 @@
 namespace
 {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 using testsupport::Header;
 
 using TraceLevels = testsupport::TraceTest;

@@ -10,17 +10,10 @@
 namespace
 {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::SizeIs;
-using testing::StartsWith;
-using testsupport::Header;
-using testsupport::Outcome;
-using testsupport::Program;
+using namespace testing;
+using namespace testsupport;
 
-using TraceLibrary = testsupport::TraceTest;
+using TraceLibrary = TraceTest;
 
 TEST_F(TraceLibrary, WritesALineForEachMessage)
 {
@@ -93,7 +86,7 @@ TEST_F(TraceLibrary, KeepsMessagesOfManyProcessesWhole)
         processes.push_back(process);
     }
     for (const pid_t process : processes) {
-        EXPECT_EQ(testsupport::waitFor(process), 0);
+        EXPECT_EQ(waitFor(process), 0);
         EXPECT_THAT(lines(), Contains(HasSubstr("channel[" + std::to_string(process) + "] 1 ")));
     }
     EXPECT_THAT(lines(), SizeIs(400));
@@ -107,8 +100,8 @@ TEST_F(TraceLibrary, CanBeUsedByAProcessForkedAtAnyMoment)
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
     }
-    if (!testsupport::canForkBesideThreads()) {
-        GTEST_SKIP() << testsupport::NoForkBesideThreads;
+    if (!canForkBesideThreads()) {
+        GTEST_SKIP() << NoForkBesideThreads;
     }
     Program program{};
     program.path = TRACE_CLIENT;

@@ -14,15 +14,8 @@
 namespace
 {
 
-using testing::Each;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::SizeIs;
-using testing::StartsWith;
-using testsupport::Outcome;
-using testsupport::readFile;
-using testsupport::TraceTest;
+using namespace testing;
+using namespace testsupport;
 
 using TraceOutputs = TraceTest;
 
@@ -84,7 +77,7 @@ TEST_F(TraceOutputs, AreNotTheFileThatHasStandardErrorsDescriptor)
     setOutput("stderr");
     setLevels("bad");
     testsupport::writeFile(file, "");
-    testsupport::Program program{};
+    Program program{};
     program.path = TRACE_CLIENT;
     program.arguments = {"reuse", file};
     const Outcome open = program.run();
@@ -140,9 +133,7 @@ protected:
 
     Outcome trace(const std::string& level, const std::string& text) const
     {
-        return testsupport::withSystemLog(directory.file("log"), TRACE_CLIENT,
-                                          {"channel", level, text})
-            .run();
+        return withSystemLog(directory.file("log"), TRACE_CLIENT, {"channel", level, text}).run();
     }
 
     /** What the system log got. */
@@ -184,12 +175,12 @@ TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator itself can hang in a process forked beside other threads";
     }
-    if (!testsupport::canForkBesideThreads()) {
-        GTEST_SKIP() << testsupport::NoForkBesideThreads;
+    if (!canForkBesideThreads()) {
+        GTEST_SKIP() << NoForkBesideThreads;
     }
     setOutput("syslog");
     // Nobody listens, or the log would fill up.
-    const Outcome outcome = testsupport::withoutSystemLog(TRACE_CLIENT, {"forks"}).run();
+    const Outcome outcome = withoutSystemLog(TRACE_CLIENT, {"forks"}).run();
     EXPECT_EQ(outcome.out + outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }
@@ -250,8 +241,7 @@ TEST_F(SystemLog, GetsWhatCannotGoToAFile)
 TEST_F(SystemLog, MayBeMissing)
 {
     setOutput("syslog");
-    const Outcome outcome =
-        testsupport::withoutSystemLog(TRACE_CLIENT, {"channel", "1", "text"}).run();
+    const Outcome outcome = withoutSystemLog(TRACE_CLIENT, {"channel", "1", "text"}).run();
     EXPECT_EQ(outcome.out + outcome.err, "");
     EXPECT_EQ(outcome.status, 0);
 }

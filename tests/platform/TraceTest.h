@@ -3,11 +3,9 @@
 
 #include "Files.h"
 #include "HvxTrace.h"
-#include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -50,14 +48,7 @@ protected:
 
     std::vector<std::string> lines() const
     {
-        std::vector<std::string> result;
-        if (std::filesystem::exists(file)) {
-            std::istringstream stream(readFile(file));
-            for (std::string line; std::getline(stream, line);) {
-                result.push_back(line);
-            }
-        }
-        return result;
+        return std::filesystem::exists(file) ? linesOf(readFile(file)) : std::vector<std::string>{};
     }
     /** The lines' texts alone. */
     std::vector<std::string> texts() const

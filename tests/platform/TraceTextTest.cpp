@@ -6,11 +6,7 @@
 namespace
 {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::SizeIs;
+using namespace testing;
 using testsupport::Header;
 
 // A static object, made before those of the library, writes where such a variable says.

@@ -1,16 +1,15 @@
 #include "FileDescriptor.h"
 #include "Nodes.h"
+#include "OtherUser.h"
 #include "Program.h"
 #include "SystemCalls.h"
 #include "TraceTest.h"
 
 #include <array>
 #include <functional>
-#include <sstream>
 #include <utility>
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <termios.h>
@@ -18,14 +17,7 @@
 namespace
 {
 
-using testing::AllOf;
-using testing::Each;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 using testsupport::TraceTest;
 
 sockaddr_un addressOf(const std::string& path)
@@ -90,16 +82,6 @@ std::string readAll(const syscalls::FileDescriptor& file)
     return all;
 }
 
-std::vector<std::string> linesOf(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 /** The line that tells of lost messages. */
 auto tellsOf(std::size_t lost)
 {
@@ -133,17 +115,17 @@ protected:
     {
         const std::string first = readAll(reader);
         EXPECT_THAT(first, EndsWith("x\n"));
-        const std::vector<std::string> written = linesOf(first);
+        const std::vector<std::string> written = testsupport::linesOf(first);
         EXPECT_GT(written.size(), 0U);
         EXPECT_LT(written.size(), Count);
         for (const std::string& line : written) {
             EXPECT_THAT(line, EndsWith(" " + std::string(4000, 'x')));
         }
         writeNext();
-        EXPECT_THAT(linesOf(readAll(reader)),
+        EXPECT_THAT(testsupport::linesOf(readAll(reader)),
                     ElementsAre(tellsOf(Count - written.size()), EndsWith(" text")));
         writeNext();
-        EXPECT_THAT(linesOf(readAll(reader)), ElementsAre(EndsWith(" text")));
+        EXPECT_THAT(testsupport::linesOf(readAll(reader)), ElementsAre(EndsWith(" text")));
     }
 
 private:
@@ -172,9 +154,7 @@ TEST_F(TraceWaiting, IsNotForAFullPipeOfAnotherUser)
     const Connection pipe = Connection::pipe();
     const pid_t process = ::fork();
     if (process == 0) {
-        if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0) {
-            ::_exit(126);
-        }
+        testsupport::becomeOrdinaryUser();
         ::alarm(30);
         ::dup2(pipe.writer.get(), STDERR_FILENO);
         writeMany();
@@ -210,7 +190,7 @@ TEST_F(TraceWaiting, IsNotForAStoppedTerminal)
     EXPECT_EQ(readAll(terminal.user()), "");
     ASSERT_EQ(::tcflow(screen.get(), TCOON), 0);
     trace("text");
-    EXPECT_THAT(linesOf(readAll(terminal.user())),
+    EXPECT_THAT(testsupport::linesOf(readAll(terminal.user())),
                 ElementsAre(EndsWith(" messages lost: 2\r"), EndsWith(" text\r")));
 }
 
@@ -256,7 +236,7 @@ TEST_F(TraceWaiting, KeepsMessagesOfManyProcessesWholeInAPipe)
         EXPECT_EQ(testsupport::waitFor(process), 0);
     }
     std::size_t whole = 0;
-    for (const std::string& line : linesOf(all)) {
+    for (const std::string& line : testsupport::linesOf(all)) {
         const std::string text = line.substr(line.find(' ', line.find("] 1 ") + 4) + 1);
         whole += text == std::string(3000, text.front()) ? 1 : 0;
         EXPECT_TRUE(text == std::string(3000, text.front()) ||

@@ -14,8 +14,7 @@ namespace testsupport
 namespace
 {
 
-using systemcalls::hooks;
-using systemcalls::real;
+using namespace systemcalls;
 
 ino_t inodeOf(const std::string& path)
 {

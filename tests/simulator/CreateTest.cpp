@@ -17,8 +17,7 @@ namespace
 namespace fs = std::filesystem;
 using os::bsp::hwVariants;
 using os::bsp::NxuHwVariant;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 constexpr const char* Hint = "\nTry 'bsp-board create --help'.\n";
 
@@ -240,10 +239,8 @@ TEST_F(Create, LeavesNothingBehindWhenItFails)
         std::signal(SIGXFSZ, SIG_IGN);
         ::setrlimit(RLIMIT_FSIZE, &smallFiles);
     };
-    const testsupport::Outcome outcome = program.run();
-    EXPECT_EQ(outcome.err, "bsp-board: cannot write 'b/top.dtcm0': File too large\n");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(program.run(),
+              testsupport::refusal("bsp-board: cannot write 'b/top.dtcm0': File too large\n"));
     EXPECT_THAT(everything(), IsEmpty());
 }
 

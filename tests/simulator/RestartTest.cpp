@@ -6,9 +6,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
 /** A board with traces of use everywhere. */
 class Restart : public SimulatorTest

@@ -7,9 +7,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testsupport::Outcome;
-using testsupport::Program;
-using testsupport::TemporaryDirectory;
+using namespace testsupport;
 
 const std::string Impossible =
     "bsp-board: cannot separate a board from the host, which takes namespaces or ptrace: ";
@@ -92,10 +90,7 @@ TEST_P(RunIsolation, UsesProotWhereMountsAreRefused)
 {
     Program program = shell("echo run >> ran; echo x > /tmp/f; ls /sys/class/leds; exit 5");
     program.prepare = refuseMounts;
-    const Outcome outcome = program.run();
-    EXPECT_EQ(outcome.out, "green\nred\nyellow\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 5);
+    EXPECT_EQ(program.run(), (Outcome{"green\nred\nyellow\n", "", 5}));
     EXPECT_EQ(contents("ran"), "run\n");
     EXPECT_EQ(contents("b/tmp/f"), "x\n");
 }
@@ -124,11 +119,10 @@ TEST_P(RunIsolation, CanBeLeftOut)
         {"--isolate=none"},
         {"/bin/sh", "-c", "echo $BSP_BOARD_DIR $TMPDIR; echo x > $0; exit 3", host.file("f")});
     program.environment["TMPDIR"] = host.path();
-    const Outcome outcome = program.run();
-    EXPECT_EQ(outcome.out, fs::canonical(file("b")).string() + ' ' + host.path().string() + '\n');
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 3);
-    EXPECT_EQ(testsupport::readFile(host.file("f")), "x\n");
+    EXPECT_EQ(
+        program.run(),
+        (Outcome{fs::canonical(file("b")).string() + ' ' + host.path().string() + '\n', "", 3}));
+    EXPECT_EQ(readFile(host.file("f")), "x\n");
     expectFailure(withOwnPrograms({"--isolate=none"}, {"nosuch"}),
                   "bsp-board: cannot run 'nosuch': not found\n", 127);
 }

@@ -1,12 +1,11 @@
 #include "Namespaces.h"
+#include "OtherUser.h"
 #include "RunTestBase.h"
-#include "SharedCopy.h"
 
 #include <array>
 #include <csignal>
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -197,12 +196,6 @@ TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
     if (::geteuid() != 0) {
         GTEST_SKIP() << "the other cases ran as an ordinary user";
     }
-    constexpr uid_t nobody = 65534;
-    const auto becomeNobody = [] {
-        if (::setgroups(0, nullptr) != 0 || ::setgid(nobody) != 0 || ::setuid(nobody) != 0) {
-            ::_exit(99);
-        }
-    };
     if (!testsupport::haveNamespaces()) {
         GTEST_SKIP() << testsupport::NoNamespaces << "other users start nothing below proot";
     }
@@ -210,12 +203,12 @@ TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
     fs::permissions(fs::path(file("b")).parent_path(), fs::perms::all);
     Program create = boardTool({"create", "theirs"});
     create.path = shared.path();
-    create.prepare = becomeNobody;
+    create.prepare = testsupport::becomeOrdinaryUser;
     expectOutput(create, "");
     Program program =
         boardTool({"run", "theirs", "sh", "-c", "id -u; echo x > /dev/shm/m; echo x > /tmp/f"});
     program.path = shared.path();
-    program.prepare = becomeNobody;
+    program.prepare = testsupport::becomeOrdinaryUser;
     expectOutput(program, "65534\n");
     EXPECT_EQ(contents("theirs/shm/m"), "x\n");
     EXPECT_EQ(contents("theirs/tmp/f"), "x\n");

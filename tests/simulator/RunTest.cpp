@@ -9,10 +9,8 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::Contains;
-using testing::HasSubstr;
-using testsupport::Program;
-using testsupport::TemporaryDirectory;
+using namespace testing;
+using namespace testsupport;
 
 class Run : public RunTest
 {
@@ -89,7 +87,7 @@ TEST_P(Run, KeepsTheWorkingDirectory)
     program.directory = other.path();
     testsupport::writeFile(other.file("file"), "text\n");
     expectOutput(program, "text\n");
-    EXPECT_EQ(testsupport::readFile(other.file("file")), "text\nmore\n");
+    EXPECT_EQ(readFile(other.file("file")), "text\nmore\n");
 }
 
 TEST_P(Run, WorksWhereverTheBoardIs)
@@ -103,8 +101,8 @@ TEST_P(Run, WorksWhereverTheBoardIs)
             boardTool({"run", board, "--", "sh", "-c",
                        "echo x > /dev/shm/m; echo x > /tmp/f; cd $BSP_BOARD_DIR/shm && ls m"}),
             "m\n");
-        EXPECT_EQ(testsupport::readFile(board + "/shm/m"), "x\n");
-        EXPECT_EQ(testsupport::readFile(board + "/tmp/f"), "x\n");
+        EXPECT_EQ(readFile(board + "/shm/m"), "x\n");
+        EXPECT_EQ(readFile(board + "/tmp/f"), "x\n");
         expectQuiet({"restart", board, "cold"});
         EXPECT_EQ(fs::exists(board + "/tmp/f"), false);
     }
@@ -183,10 +181,7 @@ TEST_P(Run, LeavesTheStreamsAlone)
     Program program = shell("cat; echo error >&2");
     const std::string input = file("input");
     program.prepare = [&input] { ::dup2(::open(input.c_str(), O_RDONLY), STDIN_FILENO); };
-    const testsupport::Outcome outcome = program.run();
-    EXPECT_EQ(outcome.out, "some input\n");
-    EXPECT_EQ(outcome.err, "error\n");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(program.run(), (Outcome{"some input\n", "error\n", 0}));
 }
 
 TEST_P(Run, OpensNothingForTheCommand)
@@ -215,7 +210,7 @@ TEST_P(Run, KeepsBoardsApart)
             boardTool({"run", "board" + name, "sh", "-c", script, "sh", name}).start());
     }
     for (const pid_t process : processes) {
-        EXPECT_EQ(testsupport::waitFor(process), 0);
+        EXPECT_EQ(waitFor(process), 0);
     }
     for (const std::string name : {"1", "2", "3"}) {
         EXPECT_EQ(contents(name + ".out"), name + '\n' + name + '\n' + name + '\n');
@@ -228,8 +223,8 @@ TEST_P(Run, LetsCommandsShareABoard)
         shell("until test -e /dev/shm/from2; do sleep 0.01; done; touch /dev/shm/from1").start();
     const pid_t second =
         shell("touch /dev/shm/from2; until test -e /dev/shm/from1; do sleep 0.01; done").start();
-    EXPECT_EQ(testsupport::waitFor(first), 0);
-    EXPECT_EQ(testsupport::waitFor(second), 0);
+    EXPECT_EQ(waitFor(first), 0);
+    EXPECT_EQ(waitFor(second), 0);
 }
 
 TEST_P(Run, RunsTheToolsOnTheBoard)
@@ -254,6 +249,6 @@ TEST_P(Run, LetsTheToolSetTheBoardsLeds)
     EXPECT_THAT(run({"show", "b"}).out, HasSubstr("\nLED green       steady_off\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Isolated, Run, testing::Values("", "--isolate=proot"), nameOfIsolation);
+INSTANTIATE_TEST_SUITE_P(Isolated, Run, Values("", "--isolate=proot"), nameOfIsolation);
 
 } // namespace

@@ -43,19 +43,13 @@ protected:
 
     static void expectOutput(const testsupport::Program& program, const std::string& output)
     {
-        const testsupport::Outcome outcome = program.run();
-        EXPECT_EQ(outcome.out, output);
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(program.run(), testsupport::answer(output));
     }
 
     static void expectFailure(const testsupport::Program& program, const std::string& complaint,
                               int status)
     {
-        const testsupport::Outcome outcome = program.run();
-        EXPECT_EQ(outcome.err, complaint);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(program.run(), testsupport::refusal(complaint, status));
     }
 
     void writeScript(const std::string& path, const std::string& text) const

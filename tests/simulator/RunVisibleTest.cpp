@@ -8,8 +8,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testsupport::Program;
-using testsupport::TemporaryDirectory;
+using namespace testsupport;
 
 /** Puts the temporary directories of a scope below another directory. */
 class TemporaryPlace
@@ -55,7 +54,7 @@ TEST_P(RunVisible, PathsOnRequest)
         program.directory = "/";
         program.merged = true;
         EXPECT_EQ(program.run().out, "text\ninside\ncat: other: No such file or directory\n1\n");
-        EXPECT_EQ(testsupport::readFile(host.file("file")), "text\nmore\n");
+        EXPECT_EQ(readFile(host.file("file")), "text\nmore\n");
     }
 }
 

@@ -12,9 +12,7 @@
 namespace
 {
 
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
+using namespace testing;
 
 constexpr const char* SetHint = "\nTry 'bsp-board set --help'.\n";
 

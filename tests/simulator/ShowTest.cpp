@@ -11,10 +11,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 using testsupport::Outcome;
 
 class Show : public SimulatorTest
@@ -316,9 +313,8 @@ TEST_F(Show, SaysThatABoardMayNotBeRead)
         fs::permissions(file("b"), mode);
         const Outcome outcome = boardToolOfOrdinaryUser({"show", "b"}).run();
         EXPECT_EQ(outcome.out, "");
-        EXPECT_THAT(outcome.err,
-                    testing::AnyOf("bsp-board: cannot read 'b': Permission denied\n",
-                                   "bsp-board: cannot read 'b/eeprom': Permission denied\n"));
+        EXPECT_THAT(outcome.err, AnyOf("bsp-board: cannot read 'b': Permission denied\n",
+                                       "bsp-board: cannot read 'b/eeprom': Permission denied\n"));
         EXPECT_EQ(outcome.status, 1);
     }
     fs::permissions(file("b"), fs::perms::owner_all);

@@ -1,5 +1,7 @@
 #include "SimulatorTest.h"
 
+#include "OtherUser.h"
+
 #include <algorithm>
 #include <filesystem>
 
@@ -9,7 +11,6 @@ namespace fs = std::filesystem;
 
 testsupport::Program SimulatorTest::boardToolOfOrdinaryUser(Words words) const
 {
-    constexpr uid_t ordinaryUser = 65534;
     testsupport::Program program = boardTool(std::move(words));
     if (::geteuid() != 0) {
         return program;
@@ -19,28 +20,18 @@ testsupport::Program SimulatorTest::boardToolOfOrdinaryUser(Words words) const
     fs::copy_file(program.path, copy, fs::copy_options::overwrite_existing);
     fs::permissions(m_directory.path(), fs::perms::all);
     program.path = copy;
-    program.prepare = [] {
-        if (::setuid(ordinaryUser) != 0) {
-            ::_exit(125);
-        }
-    };
+    program.prepare = testsupport::becomeOrdinaryUser;
     return program;
 }
 
 void SimulatorTest::expectQuiet(Words words) const
 {
-    const testsupport::Outcome outcome = run(std::move(words));
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run(std::move(words)), testsupport::answer());
 }
 
 void SimulatorTest::expectRefusal(Words words, const std::string& complaint, int status) const
 {
-    const testsupport::Outcome outcome = run(std::move(words));
-    EXPECT_EQ(outcome.err, complaint);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(run(std::move(words)), testsupport::refusal(complaint, status));
 }
 
 SimulatorTest::Words SimulatorTest::wordsToRun(const std::string& board, const std::string& program,

@@ -3,7 +3,6 @@
 
 #include "Files.h"
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -57,10 +56,7 @@ protected:
     std::vector<std::string> everything(const std::string& directory = ".") const;
 
     /** A 32-bit word as the board's registers and memory hold it. */
-    static std::string word(std::uint32_t value)
-    {
-        return {reinterpret_cast<const char*>(&value), sizeof value};
-    }
+    static std::string word(std::uint32_t value) { return testsupport::bytesOf(value); }
 
 private:
     testsupport::TemporaryDirectory m_directory;

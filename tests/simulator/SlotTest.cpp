@@ -40,11 +40,8 @@ TEST_P(Slot, IsKeptOrLostByARestart)
                                                  "Slot id         5\n"));
     EXPECT_TRUE(entries("b/shm").empty());
     expectQuiet({"restart", "b", GetParam().restart});
-    const testsupport::Outcome outcome =
-        run(wordsToRun("b", testsupport::tool("bsp").path, {"getSlotId"}));
-    EXPECT_EQ(outcome.out, std::string(GetParam().slotId) + '\n');
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run(wordsToRun("b", testsupport::tool("bsp").path, {"getSlotId"})),
+              testsupport::answer(std::string(GetParam().slotId) + '\n'));
 }
 
 std::string nameOf(const testing::TestParamInfo<Case>& info)

@@ -42,10 +42,7 @@ TEST_F(Variants, AreListed)
     for (std::size_t index = 0; index < hwVariants.size(); ++index) {
         expected += lineOf(index, hwVariants[index]);
     }
-    const testsupport::Outcome outcome = run({"variants"});
-    EXPECT_EQ(outcome.out, expected);
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run({"variants"}), testsupport::answer(expected));
 }
 
 } // namespace

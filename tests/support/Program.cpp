@@ -1,5 +1,7 @@
 #include "Program.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -93,6 +95,12 @@ void drainBoth(std::array<int, 2> fds, std::array<std::string*, 2> texts)
 
 } // namespace
 
+std::ostream& operator<<(std::ostream& stream, const Outcome& outcome)
+{
+    return stream << "out: " << outcome.out << "err: " << outcome.err
+                  << "status: " << outcome.status;
+}
+
 std::vector<std::string> emulator()
 {
     // Programs may run on another machine than the one of the build.
@@ -148,6 +156,17 @@ Program tool(const std::string& name, std::vector<std::string> arguments)
     program.path = std::string(BSP_TEST_BIN_DIR) + '/' + name;
     program.arguments = std::move(arguments);
     return program;
+}
+
+void expectGolden(const Program& program, const std::vector<Golden>& table)
+{
+    for (const Golden& row : table) {
+        Program called = program;
+        called.arguments = row.arguments;
+        called.environment.insert(row.environment.begin(), row.environment.end());
+        EXPECT_EQ(called.run(), row.outcome)
+            << testing::PrintToString(row.arguments) << testing::PrintToString(row.environment);
+    }
 }
 
 int waitFor(pid_t process)

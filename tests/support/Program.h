@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,25 @@ struct Outcome
     std::string err;
     int status; /**< Exit status; 128 + N after signal N. */
 };
+
+inline bool operator==(const Outcome& left, const Outcome& right)
+{
+    return left.out == right.out && left.err == right.err && left.status == right.status;
+}
+
+std::ostream& operator<<(std::ostream& stream, const Outcome& outcome);
+
+/** It prints that, complains of nothing and succeeds. */
+inline Outcome answer(const std::string& out = "")
+{
+    return {out, "", 0};
+}
+
+/** It prints nothing but that complaint. */
+inline Outcome refusal(const std::string& err, int status = 1)
+{
+    return {"", err, status};
+}
 
 /** How to start a program. */
 struct Program
@@ -47,6 +67,17 @@ std::vector<std::string> emulator();
 
 /** A program of this project's build, such as "bsp" or "bsp-board". */
 Program tool(const std::string& name, std::vector<std::string> arguments = {});
+
+/** A row of a golden table: what a program is called with, and all that comes of it. */
+struct Golden
+{
+    std::vector<std::string> arguments;
+    Outcome outcome;
+    std::map<std::string, std::string> environment = {}; /**< Added to the program's. */
+};
+
+/** Runs the program for each row of the table and expects all its outcome. */
+void expectGolden(const Program& program, const std::vector<Golden>& table);
 
 /** Waits for a process's end: its exit status, or 128 + N after signal N. */
 int waitFor(pid_t process);

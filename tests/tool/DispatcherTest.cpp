@@ -1,5 +1,4 @@
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -8,77 +7,61 @@
 namespace
 {
 
-using testsupport::Outcome;
-using testsupport::Program;
-using testsupport::tool;
+using namespace testsupport;
 
-/** The tool started with the given first word. */
-Outcome runAs(const std::string& name, std::vector<std::string> arguments)
+/** The tool, or another program with its dispatcher, started with the given first word. */
+Program as(const std::string& name, const std::string& path = tool("bsp").path)
 {
-    Program program = tool("bsp", std::move(arguments));
+    Program program{};
+    program.path = path;
     program.name = name;
-    return program.run();
+    return program;
 }
 
-void expectUnknown(const Outcome& outcome, const std::string& function)
+Outcome usage(const std::string& name, const std::string& listing = "")
 {
-    EXPECT_EQ(outcome.err, "Unknown function: " + function + "\n");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, 1);
+    return {listing, "Usage: " + name + " <function> [arguments]\n", 1};
+}
+
+Outcome unknown(const std::string& function)
+{
+    return refusal("Unknown function: " + function + '\n');
 }
 
 TEST(Dispatcher, TakesTheNameThatWasTypedNotTheLinksTarget)
 {
-    EXPECT_EQ(tool("led").run().err, "Usage: led <function> [arguments]\n");
-    EXPECT_EQ(tool("rstate").run().err, "Usage: rstate <function> [arguments]\n");
-    EXPECT_EQ(tool("bsp").run().err, "Usage: bsp <function> [arguments]\n");
+    for (const char* name : {"led", "rstate", "bsp"}) {
+        EXPECT_EQ(tool(name).run().err, usage(name).err);
+    }
 }
 
-TEST(Dispatcher, TakesOnlyTheLastComponentOfThePath)
+TEST(Dispatcher, TakesOnlyTheTextAfterTheLastSlashEvenWhenEmpty)
 {
-    const Outcome outcome = runAs("/usr/local/bsp/led", {});
-    EXPECT_EQ(outcome.err, "Usage: led <function> [arguments]\n");
-    EXPECT_EQ(outcome.status, 1);
-}
-
-TEST(Dispatcher, TakesTheTextAfterTheLastSlashEvenWhenEmpty)
-{
-    EXPECT_EQ(runAs("bsp/", {}).err, "Usage:  <function> [arguments]\n");
-    EXPECT_EQ(runAs("/", {}).err, "Usage:  <function> [arguments]\n");
-    EXPECT_EQ(runAs("", {}).err, "Usage:  <function> [arguments]\n");
-    expectUnknown(runAs("", {"getSlotId"}), "getSlotId");
+    const Outcome led = as("/usr/local/bsp/led").run();
+    EXPECT_EQ(led.err, usage("led").err);
+    EXPECT_EQ(led.status, 1);
+    for (const char* name : {"bsp/", "/", ""}) {
+        expectGolden(as(name), {{{}, usage("")}, {{"getSlotId"}, unknown("getSlotId")}});
+    }
 }
 
 TEST(Dispatcher, SurvivesACommandLineWithoutAnyWord)
 {
-    if (std::string(BSP_TEST_EMULATOR).empty()) {
-        const std::string path = tool("bsp").path;
-        Program program = tool("bsp");
-        program.prepare = [&path] {
-            char* const nothing[] = {nullptr};
-            ::execv(path.c_str(), nothing);
-        };
-        const Outcome outcome = program.run();
-        EXPECT_EQ(outcome.err, "Usage:  <function> [arguments]\n");
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.status, 1);
-    } else {
+    if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator always gives a program its name";
     }
+    Program program = tool("bsp");
+    program.prepare = [path = program.path] {
+        char* const nothing[] = {nullptr};
+        ::execv(path.c_str(), nothing);
+    };
+    expectGolden(program, {{{}, usage("")}});
 }
 
-TEST(Dispatcher, ListsNothingUnderAForeignName)
+TEST(Dispatcher, HasNoFunctionsUnderAForeignName)
 {
-    const Outcome outcome = runAs("foo", {});
-    EXPECT_EQ(outcome.err, "Usage: foo <function> [arguments]\n");
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.status, 1);
-}
-
-TEST(Dispatcher, RefusesEveryFunctionUnderAForeignName)
-{
-    expectUnknown(runAs("foo", {"getSlotId"}), "getSlotId");
-    expectUnknown(runAs("BSP", {"getSlotId"}), "getSlotId");
+    expectGolden(as("foo"), {{{}, usage("foo")}, {{"getSlotId"}, unknown("getSlotId")}});
+    expectGolden(as("BSP"), {{{"getSlotId"}, unknown("getSlotId")}});
 }
 
 TEST(Dispatcher, RefusesWhatIsNoFunctionAsItWasTyped)
@@ -86,8 +69,29 @@ TEST(Dispatcher, RefusesWhatIsNoFunctionAsItWasTyped)
     for (const char* text : {"getslotid", "getSlot", "getSlotIds", "", " getSlotId", "-h", "--help",
                              "--version", "setState", "increment", "\xC3\xA4\xFF"})
     {
-        expectUnknown(tool("bsp", {text}).run(), text);
+        expectGolden(tool("bsp"), {{{text}, unknown(text)}});
     }
+}
+
+TEST(Dispatcher, TakesTheFirstGroupAndTheFirstFunctionOfAName)
+{
+    expectGolden(as("own", BSP_TEST_OWN_GROUPS_TOOL),
+                 {{{},
+                   usage("own", "own aNameOf20Characters_ Twenty.\n"
+                                "own aNameOfMoreThan20Characters More.\n"
+                                "own twice                First.\n"
+                                "own twice                Second.\n")},
+                  {{"aNameOf20Characters_"}, {"", "", 7}},
+                  {{"twice"}, answer("first\n")}});
+    expectGolden(as("empty", BSP_TEST_OWN_GROUPS_TOOL),
+                 {{{}, usage("empty")}, {{"twice"}, unknown("twice")}});
+}
+
+TEST(TableOrder, NamesComeBeforeCommands)
+{
+    expectGolden(
+        as("bsp", BSP_TEST_TABLE_ORDER_TOOL),
+        {{{"clearTrafClientMode"}, {"", "command table: streams yes, name tables yes\n", 0}}});
 }
 
 } // namespace

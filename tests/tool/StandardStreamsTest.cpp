@@ -4,7 +4,6 @@
  */
 #include "Files.h"
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,42 +1,24 @@
-#include "ExpectedLines.h"
-#include "RecordingTrace.h"
-#include "SharedNames.h"
-#include "WarmBoard.h"
-#include "WarmCalls.h"
-#include "WarmDatabase.h"
 
-#include <gmock/gmock.h>
+#include "AreaTest.h"
 
 #include <cerrno>
 #include <csignal>
 #include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <sys/mman.h>
 
 namespace
 {
 
-using namespace expectedlines;
-using os::bsp::dtcm::WarmDatabase;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::KilledBySignal;
-using warmboard::area;
-using warmboard::areaWith;
-using warmboard::fillArea;
-using Lines = std::vector<std::string>;
+using namespace areatest;
+using namespace testing;
+using namespace warmboard;
 
 TEST(Device, ThatIsMissing)
 {
     fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     EXPECT_THAT(
-        recordingtrace::takeLines(),
+        takeLines(),
         ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of warm area",
                     warm, freeTable));
     EXPECT_EQ(database.getNumberOfFreeBlocks(), 32U);
@@ -48,9 +30,9 @@ TEST(Device, ThatIsMissing)
 TEST(Device, ThatCannotBeMapped)
 {
     fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
                                      "warm area, error: Permission denied",
                             warm, freeTable));
@@ -63,9 +45,9 @@ TEST(Device, ThatCannotBeMapped)
 TEST(Device, ThatMayNotBeLockedInMemory)
 {
     systemcalls::queue("mmap", {{-1, EAGAIN}});
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
                                      "warm area, error: Resource temporarily unavailable",
                             warm, freeTable));
@@ -92,10 +74,10 @@ TEST(DeviceDeath, WithoutMemoryAfterAFailedMapping)
 TEST(Semaphore, ThatCannotBeCreated)
 {
     systemcalls::queue("sem_open", {{-1, EACCES}});
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fillArea(areaWith({{0, "KEPT"}}));
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 initDatabaseSemaphore(): error in sem_open error: "
                                      "Permission denied"));
     const Lines calls = systemcalls::take();
@@ -115,7 +97,7 @@ TEST(Semaphore, ThatExistsButCannotBeOpened)
     makeSharedNames(1);
     systemcalls::queue("sem_open", {systemcalls::Done, {-1, ENOENT}});
     WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 initDatabaseSemaphore(): error in sem_open error: "
                                      "No such file or directory"));
     EXPECT_THAT(systemcalls::take(),
@@ -124,7 +106,7 @@ TEST(Semaphore, ThatExistsButCannotBeOpened)
 
 TEST(Semaphore, IsWaitedForAgainAfterASignal)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     systemcalls::take();
     systemcalls::queue("sem_wait", {{-1, EINTR}, {-1, EINTR}});
@@ -139,7 +121,7 @@ TEST(Semaphore, IsWaitedForAgainAfterASignal)
 
 TEST(Semaphore, OtherFailuresOfWaitingAreIgnored)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     systemcalls::take();
     systemcalls::queue("sem_wait", {{-1, EINVAL}});
@@ -178,9 +160,9 @@ TEST(SemLockGuard, DoesNothingWithoutASemaphore)
 TEST(SharedMemory, ThatCannotBeCreated)
 {
     systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EMFILE}});
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(warm, freeTable,
                             prefix + "1 initBlockSynchronization(): error in shm_open error: "
                                      "Too many open files"));
@@ -200,7 +182,7 @@ TEST(SharedMemoryDeath, WithoutMemoryForPrivateMutexes)
 {
     systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EACCES}});
     systemcalls::queue("calloc", {{-1, ENOMEM}});
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
                 HasSubstr("initBlockSynchronization(): Assertion `m_blockSync != nullptr' "
                           "failed."));
@@ -211,7 +193,7 @@ TEST(SharedMemory, ThatExistsButCannotBeMappedIsNotNoticed)
     makeSharedNames(1);
     systemcalls::queue("mmap", {systemcalls::Done, {-1, EAGAIN}});
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    EXPECT_THAT(takeLines(), IsEmpty());
     void* object = nullptr;
     EXPECT_TRUE(database.createObject("A", &object, 8, true));
     EXPECT_EQ(database.getObjectSyncPointer("A"), MAP_FAILED);
@@ -219,12 +201,12 @@ TEST(SharedMemory, ThatExistsButCannotBeMappedIsNotNoticed)
 
 TEST(ExceptionAtStart, LeavesTheSemaphoreAtZero)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fakedevices::control().onCreate = [] { throw std::runtime_error("no bus"); };
     const std::string contents = areaWith({{0, "KEPT"}});
     fillArea(contents);
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
                                      "Caught exception [no bus]."));
     EXPECT_THAT(systemcalls::take(), ElementsAre(mapArea, createSemaphore));
@@ -238,10 +220,10 @@ TEST(ExceptionAtStart, LeavesTheSemaphoreAtZero)
 
 TEST(ExceptionAtStart, OfAnotherKind)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fakedevices::control().onCreate = [] { throw 5; };
     WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
                                      "Caught unknown exception"));
     EXPECT_EQ(warmcalls::semaphoreValue(), 0);
@@ -251,20 +233,20 @@ TEST(ExceptionAtStart, BeforeThereIsAnArea)
 {
     fakedevices::dtcm().onOpen = [] { throw std::runtime_error("no device tree"); };
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(),
+    EXPECT_THAT(takeLines(),
                 ElementsAre(prefix + "1 WarmDatabase(): Error during initialization of warm area: "
                                      "Caught exception [no device tree]."));
     EXPECT_EQ(database.getNumberOfFreeBlocks(), 0U);
     void* object = &database;
     EXPECT_FALSE(database.createObject("A", &object, 8, true));
     EXPECT_EQ(object, nullptr);
-    EXPECT_THAT(recordingtrace::takeLines(1),
+    EXPECT_THAT(takeLines(1),
                 ElementsAre(prefix + "1 createObject(): Error: DTCM is out of space."));
 }
 
 TEST(Messages, AreNotMadeWhenNobodyWantsThem)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     recordingtrace::setLevel("Bsp.WarmDatabase", 4);
     WarmDatabase& database = WarmDatabase::getInstance();
     database.getNumberOfFreeBlocks();
@@ -273,9 +255,9 @@ TEST(Messages, AreNotMadeWhenNobodyWantsThem)
     bool created = false;
     EXPECT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
     EXPECT_TRUE(database.getObjectData("A", &object, 8, &sync, created));
-    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    EXPECT_THAT(takeLines(), IsEmpty());
     EXPECT_TRUE(database.createObject("A", &object, 8, true));
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(HasSubstr("2 createObject(): Warning")));
+    EXPECT_THAT(takeLines(), ElementsAre(HasSubstr("2 createObject(): Warning")));
 }
 
 } // namespace

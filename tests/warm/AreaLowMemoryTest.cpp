@@ -3,13 +3,7 @@
  * @brief The first use of the store where there is no memory for what is to be reported.
  */
 #include "Allocations.h"
-#include "ExpectedLines.h"
-#include "RecordingTrace.h"
-#include "WarmBoard.h"
-#include "WarmCalls.h"
-#include "WarmDatabase.h"
-
-#include <gmock/gmock.h>
+#include "AreaTest.h"
 
 #include <cerrno>
 #include <climits>
@@ -19,17 +13,12 @@
 namespace
 {
 
-using namespace expectedlines;
-using os::bsp::dtcm::WarmDatabase;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::KilledBySignal;
+using namespace areatest;
+using namespace testing;
 using testsupport::failAllocations;
 
 /** From the first call that fails on there is no memory. */
-class WithoutMemoryDeath : public testing::Test
+class WithoutMemoryDeath : public Test
 {
 protected:
     WithoutMemoryDeath()
@@ -58,7 +47,7 @@ TEST_F(WithoutMemoryDeath, TheAssertionComesAfterAFailedMapping)
  * After a call has failed, the next allocation does: the first of its report. Nothing is reported
  * of a name that does not exist yet.
  */
-class WithoutMemoryForReports : public testing::Test
+class WithoutMemoryForReports : public Test
 {
 protected:
     WithoutMemoryForReports()
@@ -73,7 +62,7 @@ TEST_F(WithoutMemoryForReports, TheMutexesAreMadeAfterAMissingSemaphore)
 {
     systemcalls::queue("sem_open", {{-1, ENOSPC}});
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty()) << "the recorder had no memory";
+    EXPECT_THAT(takeLines(), IsEmpty()) << "the recorder had no memory";
     EXPECT_THAT(systemcalls::take(), Contains("pthread_mutex_init at 0 shared"));
     void* object = nullptr;
     std::mutex* sync = nullptr;
@@ -82,14 +71,14 @@ TEST_F(WithoutMemoryForReports, TheMutexesAreMadeAfterAMissingSemaphore)
     ASSERT_NE(sync, nullptr);
     EXPECT_TRUE(sync->try_lock());
     sync->unlock();
-    recordingtrace::takeLines();
+    takeLines();
 }
 
 TEST_F(WithoutMemoryForReports, PrivateMutexesAreMadeAfterMissingOnes)
 {
     systemcalls::queue("shm_open", {{-1, ENOENT}, {-1, EACCES}});
     WarmDatabase::getInstance();
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(warm, freeTable));
+    EXPECT_THAT(takeLines(), ElementsAre(warm, freeTable));
     EXPECT_THAT(systemcalls::take(), Contains("calloc " + syncSize));
 }
 

@@ -1,35 +1,16 @@
-#include "ExpectedLines.h"
-#include "RecordingTrace.h"
-#include "SharedNames.h"
-#include "WarmBoard.h"
-#include "WarmCalls.h"
-#include "WarmDatabase.h"
 
-#include <gmock/gmock.h>
+#include "AreaTest.h"
 
 #include <cstdlib>
-#include <string>
-#include <vector>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
 
-using namespace expectedlines;
-using os::bsp::dtcm::WarmDatabase;
-using testing::ElementsAre;
-using testing::ExitedWithCode;
-using testing::Gt;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
-using warmboard::area;
-using warmboard::areaWith;
-using warmboard::fillArea;
-using Lines = std::vector<std::string>;
+using namespace areatest;
+using namespace testing;
+using namespace warmboard;
 
 /** Device calls and messages among the system calls, each with the semaphore's value. */
 void noteEverything()
@@ -54,7 +35,7 @@ Lines initSlots()
 
 TEST(Start, OfTheFirstProcess)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     noteEverything();
     WarmDatabase::getInstance();
     Lines expected = {
@@ -79,7 +60,7 @@ TEST(Start, OfTheFirstProcess)
 
 TEST(Start, OfAnotherProcess)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     const std::string contents = areaWith({{0, "KEPT"}});
     fillArea(contents);
     makeSharedNames(1);
@@ -97,12 +78,12 @@ TEST(Start, DoesNotTouchTheSemaphoreOfAProcessThatStillDecides)
     makeSharedNames(0);
     WarmDatabase::getInstance();
     EXPECT_EQ(warmcalls::semaphoreValue(), 0);
-    EXPECT_THAT(systemcalls::take(), Not(testing::Contains("sem_post")));
+    EXPECT_THAT(systemcalls::take(), Not(Contains("sem_post")));
 }
 
 TEST(Start, HappensOnce)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
     systemcalls::take();
     EXPECT_EQ(&WarmDatabase::getInstance(), &database);
@@ -127,13 +108,13 @@ std::vector<int> mutexesDescriptors()
 
 TEST(Start, LeavesTheMutexesDescriptorOpen)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     WarmDatabase::getInstance();
     EXPECT_THAT(mutexesDescriptors(), SizeIs(1));
 }
 
 /** In a program that has closed a standard stream. */
-class StartWithoutStream : public testing::TestWithParam<int>
+class StartWithoutStream : public TestWithParam<int>
 {
 protected:
     /** The descriptors on the mutexes when the store is first used while the stream is closed. */
@@ -152,7 +133,7 @@ protected:
 
 TEST_P(StartWithoutStream, DoesNotTakeItsNumberForNewMutexes)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     EXPECT_THAT(start(), ElementsAre(Gt(STDERR_FILENO)));
 }
 
@@ -163,11 +144,11 @@ TEST_P(StartWithoutStream, DoesNotTakeItsNumberForTheMutexesOfOthers)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, StartWithoutStream,
-                         testing::Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
+                         Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
 
 TEST(Start, GivesTheNamesTheModeThatTheUmaskLeaves)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     ::umask(027);
     WarmDatabase::getInstance();
     struct stat status = {};
@@ -187,7 +168,7 @@ TEST(Start, GivesTheNamesTheModeThatTheUmaskLeaves)
 
 TEST(ExitDeath, OfTheProcessThatMadeTheNames)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     EXPECT_EXIT(useAndExit(), ExitedWithCode(0),
                 "^munmap 32768\nsem_close\nsem_unlink /DtcmDbSharedSem\nshm_unlink /DtcmSync\n$");
     EXPECT_NE(::access("/dev/shm/sem.DtcmDbSharedSem", F_OK), 0);
@@ -206,7 +187,7 @@ TEST(ExitDeath, OfTheProcessThatMadeTheSemaphoreAlone)
 {
     makeSharedNames(1);
     ASSERT_EQ(::sem_unlink("/DtcmDbSharedSem"), 0);
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     EXPECT_EXIT(useAndExit(), ExitedWithCode(0),
                 "^munmap 32768\nsem_close\nsem_unlink /DtcmDbSharedSem\n$");
     EXPECT_EQ(::access("/dev/shm/DtcmSync", F_OK), 0);

@@ -12,8 +12,7 @@ namespace
 
 using namespace objectstest;
 using os::bsp::dtcm::WarmDatabase;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 using FindOrCreate = Objects;
 using SyncPointer = Objects;
 using CInterface = Objects;

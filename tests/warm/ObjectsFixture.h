@@ -5,60 +5,51 @@
 #ifndef TESTS_WARM_OBJECTSFIXTURE_H
 #define TESTS_WARM_OBJECTSFIXTURE_H
 
-#include "ExpectedLines.h"
-#include "RecordingTrace.h"
-#include "WarmBoard.h"
-#include "WarmCalls.h"
-#include "WarmDatabase.h"
-
-#include <gmock/gmock.h>
+#include "AreaTest.h"
 
 #include <mutex>
-#include <string>
 
 namespace objectstest
 {
 
 inline std::string created(const std::string& name, int block, unsigned int size)
 {
-    return expectedlines::prefix + "5 createObject(): Created object " + name + " in block " +
+    return areatest::prefix + "5 createObject(): Created object " + name + " in block " +
            std::to_string(block) + ". Size of object is " + std::to_string(size);
 }
 
 inline std::string retrieved(const std::string& name, int block, unsigned int size)
 {
-    return expectedlines::prefix + "5 retrieveObject(): Retrieved object " + name + " from block " +
+    return areatest::prefix + "5 retrieveObject(): Retrieved object " + name + " from block " +
            std::to_string(block) + ". Size of object is " + std::to_string(size);
 }
 
 inline std::string synced(const std::string& name, int block)
 {
-    return expectedlines::prefix + "5 getObjectSyncPointer(): Sync object for " + name +
+    return areatest::prefix + "5 getObjectSyncPointer(): Sync object for " + name +
            " found for block " + std::to_string(block);
 }
 
 inline std::string tooLong(const std::string& name)
 {
-    return expectedlines::prefix + "1 validateObject(): Error: blockName " + name +
-           " with length " + std::to_string(name.size()) +
-           " is larger than the allowed maximum of 15";
+    return areatest::prefix + "1 validateObject(): Error: blockName " + name + " with length " +
+           std::to_string(name.size()) + " is larger than the allowed maximum of 15";
 }
 
 inline std::string tooLarge(unsigned int size)
 {
-    return expectedlines::prefix +
-           "1 validateObject(): Error: objectSize: " + std::to_string(size) +
+    return areatest::prefix + "1 validateObject(): Error: objectSize: " + std::to_string(size) +
            " exceeds the maximum size: 1008";
 }
 
 inline std::string alreadyPresent(const std::string& name)
 {
-    return expectedlines::prefix + "2 createObject(): Warning: object for block " + name +
+    return areatest::prefix + "2 createObject(): Warning: object for block " + name +
            "has been requested to be created, but it was already present in warm area";
 }
 
 inline const std::string outOfSpace =
-    expectedlines::prefix + "1 createObject(): Error: DTCM is out of space.";
+    areatest::prefix + "1 createObject(): Error: DTCM is out of space.";
 
 /** A store that starts with the contents of a file. */
 class Objects : public testing::Test

@@ -10,8 +10,7 @@ namespace
 
 using namespace objectstest;
 using os::bsp::dtcm::WarmDatabase;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 using Validation = Objects;
 using Creation = Objects;
 using Retrieval = Objects;

@@ -18,10 +18,9 @@ namespace
 using os::bsp::getResetType;
 using os::bsp::ResetType;
 using os::bsp::resetTypeToString;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
 
-class Register : public testing::TestWithParam<std::uint32_t>
+class Register : public TestWithParam<std::uint32_t>
 {};
 
 TEST_P(Register, IsTheAnswerAsItStandsThere)
@@ -43,9 +42,9 @@ TEST_P(Register, IsTheAnswerToCAsWell)
 }
 
 INSTANTIATE_TEST_SUITE_P(Words, Register,
-                         testing::Values(0U, 1U, 2U, 3U, 4U, 7U, 0x100U, 0x80000000U, 0xFFFFFFFFU));
+                         Values(0U, 1U, 2U, 3U, 4U, 7U, 0x100U, 0x80000000U, 0xFFFFFFFFU));
 
-class KnownCause : public testing::TestWithParam<std::uint32_t>
+class KnownCause : public TestWithParam<std::uint32_t>
 {};
 
 TEST_P(KnownCause, IsReadOnce)
@@ -58,7 +57,7 @@ TEST_P(KnownCause, IsReadOnce)
     EXPECT_EQ(fakedevices::control().reads, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Causes, KnownCause, testing::Values(0U, 1U, 2U));
+INSTANTIATE_TEST_SUITE_P(Causes, KnownCause, Values(0U, 1U, 2U));
 
 TEST(UnknownCause, IsReadAgainUntilItIsKnown)
 {
@@ -135,7 +134,7 @@ struct Board
     }
 };
 
-class OtherPlatform : public testing::TestWithParam<Board>
+class OtherPlatform : public TestWithParam<Board>
 {};
 
 TEST_P(OtherPlatform, KnowsByProductAndMarker)
@@ -152,11 +151,11 @@ TEST_P(OtherPlatform, KnowsByProductAndMarker)
 // Product code 11 is KT4851_4, product number 14; product code 14 is another product.
 INSTANTIATE_TEST_SUITE_P(
     Boards, OtherPlatform,
-    testing::Values(Board{1, 11, false, ResetType::Warm}, Board{1, 11, true, ResetType::Cold},
-                    Board{1, 14, false, ResetType::Cold}, Board{1, 14, true, ResetType::Cold},
-                    Board{1, 1, false, ResetType::Cold}, Board{1, 0, false, ResetType::Cold},
-                    Board{2, 11, false, ResetType::Warm}, Board{99, 11, true, ResetType::Cold},
-                    Board{99, 5, false, ResetType::Cold}));
+    Values(Board{1, 11, false, ResetType::Warm}, Board{1, 11, true, ResetType::Cold},
+           Board{1, 14, false, ResetType::Cold}, Board{1, 14, true, ResetType::Cold},
+           Board{1, 1, false, ResetType::Cold}, Board{1, 0, false, ResetType::Cold},
+           Board{2, 11, false, ResetType::Warm}, Board{99, 11, true, ResetType::Cold},
+           Board{99, 5, false, ResetType::Cold}));
 
 TEST(Marker, IsOnlyLookedForOnKt4851_4)
 {

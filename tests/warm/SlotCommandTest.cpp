@@ -1,6 +1,5 @@
 #include "Files.h"
 #include "Program.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -27,8 +26,7 @@ protected:
     void setResetCause(std::uint32_t cause)
     {
         testsupport::writeFile(m_board.file("top.sys_ctrl0"),
-                               std::string(reinterpret_cast<const char*>(&cause), sizeof(cause)) +
-                                   std::string(60, '\0'));
+                               testsupport::bytesOf(cause) + std::string(60, '\0'));
     }
 
     Outcome getSlotId(std::vector<std::string> arguments = {}) const
@@ -43,16 +41,9 @@ protected:
     testsupport::TemporaryDirectory m_board;
 };
 
-void expectAnswer(const Outcome& outcome, const std::string& answer)
-{
-    EXPECT_EQ(outcome.out, answer + '\n');
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
-}
-
 TEST_F(SlotCommand, AnswersThatNoneIsSetAfterAColdRestart)
 {
-    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(getSlotId(), testsupport::answer("-1\n"));
     EXPECT_EQ(testsupport::readFile(m_board.file("top.dtcm0")).substr(0, 5),
               std::string("SLOT\0", 5));
     EXPECT_FALSE(std::filesystem::exists("/dev/shm/sem.DtcmDbSharedSem"));
@@ -61,34 +52,34 @@ TEST_F(SlotCommand, AnswersThatNoneIsSetAfterAColdRestart)
 
 TEST_F(SlotCommand, AnswersWhatIsStored)
 {
-    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(getSlotId(), testsupport::answer("-1\n"));
     for (const std::int32_t id : {5, 0, -2147483647 - 1}) {
         std::string area = testsupport::readFile(m_board.file("top.dtcm0"));
-        area.replace(16, sizeof(id), reinterpret_cast<const char*>(&id), sizeof(id));
+        area.replace(16, sizeof(id), testsupport::bytesOf(id));
         testsupport::writeFile(m_board.file("top.dtcm0"), area);
         setResetCause(1);
-        expectAnswer(getSlotId(), std::to_string(id));
+        EXPECT_EQ(getSlotId(), testsupport::answer(std::to_string(id) + "\n"));
     }
     setResetCause(0);
-    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(getSlotId(), testsupport::answer("-1\n"));
 }
 
 TEST_F(SlotCommand, IgnoresItsArguments)
 {
-    expectAnswer(getSlotId({"7", ""}), "-1");
+    EXPECT_EQ(getSlotId({"7", ""}), testsupport::answer("-1\n"));
 }
 
 TEST_F(SlotCommand, AnswersWithoutADevice)
 {
     std::filesystem::remove(m_board.file("top.dtcm0"));
-    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(getSlotId(), testsupport::answer("-1\n"));
 }
 
 TEST_F(SlotCommand, AnswersWithAWarmAreaThatIsTooShort)
 {
     const std::string area(32767, 'x');
     testsupport::writeFile(m_board.file("top.dtcm0"), area);
-    expectAnswer(getSlotId(), "-1");
+    EXPECT_EQ(getSlotId(), testsupport::answer("-1\n"));
     EXPECT_EQ(testsupport::readFile(m_board.file("top.dtcm0")), area);
 }
 

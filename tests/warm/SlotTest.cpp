@@ -1,4 +1,5 @@
 #include "Bsp.h"
+#include "ManyThreads.h"
 #include "RecordingTrace.h"
 #include "WarmBoard.h"
 #include "WarmCalls.h"
@@ -12,7 +13,6 @@
 #include <mutex>
 #include <string>
 #include <system_error>
-#include <thread>
 #include <vector>
 
 #include <pthread.h>
@@ -23,9 +23,7 @@ namespace
 using os::bsp::slotInstance;
 using os::bsp::WarmSlot;
 using os::bsp::dtcm::WarmDatabase;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::IsEmpty;
+using namespace testing;
 
 /** The object as other programs of the board see it. */
 struct SlotObject
@@ -87,7 +85,7 @@ TEST(Slot, IsKeptOverAWarmRestart)
     std::string area = warmboard::areaWith({{0, "SLOT"}});
     SlotObject object{};
     object.slotId = 5;
-    area.replace(16, sizeof(object), reinterpret_cast<const char*>(&object), sizeof(object));
+    area.replace(16, sizeof(object), testsupport::bytesOf(object));
     warmboard::fillArea(area);
     systemcalls::take();
     const WarmSlot slot;
@@ -153,10 +151,9 @@ TEST(Slot, HasAMutexForAllProcesses)
     WarmDatabase::getInstance();
     systemcalls::take();
     const WarmSlot slot;
-    EXPECT_THAT(
-        systemcalls::take(),
-        ElementsAre("sem_wait", "sem_post",
-                    testing::AllOf(testing::StartsWith("pthread_mutex_init"), EndsWith(" shared"))))
+    EXPECT_THAT(systemcalls::take(),
+                ElementsAre("sem_wait", "sem_post",
+                            AllOf(StartsWith("pthread_mutex_init"), EndsWith(" shared"))))
         << "once the store's semaphore has been given back";
 }
 
@@ -248,28 +245,16 @@ TEST(Slot, OfTheProcessIsOneObject)
 TEST(Slot, IsMadeOnceByManyThreads)
 {
     warmboard::useNxu4(warmboard::Cold);
-    constexpr int Threads = 8;
-    std::atomic<int> ready{0};
     std::atomic<int> created{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < Threads; ++i) {
-        threads.emplace_back([&ready, &created] {
-            ++ready;
-            while (ready < Threads) {
-                std::this_thread::yield();
-            }
-            Bsp_setSlotId(7);
-            EXPECT_EQ(Bsp_getSlotId(), 7);
-            void* object = nullptr;
-            std::mutex* sync = nullptr;
-            bool isNew = false;
-            EXPECT_TRUE(WarmDatabase::getInstance().getObjectData("ONE", &object, 4, &sync, isNew));
-            created += isNew ? 1 : 0;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    testsupport::inManyThreads(8, [&created](std::size_t /*number*/) {
+        Bsp_setSlotId(7);
+        EXPECT_EQ(Bsp_getSlotId(), 7);
+        void* object = nullptr;
+        std::mutex* sync = nullptr;
+        bool isNew = false;
+        EXPECT_TRUE(WarmDatabase::getInstance().getObjectData("ONE", &object, 4, &sync, isNew));
+        created += isNew ? 1 : 0;
+    });
     EXPECT_EQ(created, 1);
     int opened = 0;
     for (const std::string& call : systemcalls::take()) {

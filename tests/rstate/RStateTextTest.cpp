@@ -1,4 +1,5 @@
 #include "RState.h"
+#include "RStateConstants.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
@@ -93,6 +94,81 @@ TEST(RStateFormat, StreamsTheTextOnly)
     std::ostringstream stream;
     stream << RState(std::string("R1A00")) << '|' << RState(2, 0, 1);
     EXPECT_EQ(stream.str(), "R1A00|R2A01");
+}
+
+/** The letter that each of A to Z counts as. */
+constexpr const char* Letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr const char* CountsAsOuter = "ABCDEFGHJJKLMNSSSSSTUVXXYZ";
+constexpr const char* CountsAsInner = "BBCDFFGHJJKLMNSSSSSTVVXXZZ";
+
+constexpr const char* OuterAlphabet = "ABCDEFGHJKLMNSTUVXYZ";
+constexpr const char* InnerAlphabet = "BCDFGHJKLMNSTVXZ";
+
+TEST(RStateLetters, GoFromIndexToLetterAtEachPosition)
+{
+    for (const int position : {1, 2, 3, 4}) {
+        std::string letters;
+        const int size = position == 1 || position == 4 ? 20 : 16;
+        for (int index = 0; index < size; ++index) {
+            letters += RState::getMinorChar(index, position);
+        }
+        EXPECT_EQ(letters, size == 20 ? OuterAlphabet : InnerAlphabet) << position;
+    }
+}
+
+TEST(RStateLetters, GoFromLetterToIndexAtEachPosition)
+{
+    for (const int position : {1, 2, 3, 4}) {
+        const bool outer = position == 1 || position == 4;
+        const std::string alphabet = outer ? OuterAlphabet : InnerAlphabet;
+        for (int i = 0; i < 26; ++i) {
+            const char countsAs = (outer ? CountsAsOuter : CountsAsInner)[i];
+            EXPECT_EQ(RState::getMinorIndex(Letters[i], position),
+                      static_cast<int>(alphabet.find(countsAs)))
+                << Letters[i] << " at " << position;
+        }
+    }
+}
+
+TEST(RStateLetters, FollowAsciiOutsideTheAlphabet)
+{
+    for (const int position : {1, 2, 3, 4}) {
+        const int size = position == 1 || position == 4 ? 20 : 16;
+        EXPECT_EQ(RState::getMinorChar(-1, position), '@');
+        EXPECT_EQ(RState::getMinorChar(size, position), '[');
+        EXPECT_EQ(RState::getMinorChar(size + 1, position), '\\');
+        EXPECT_EQ(RState::getMinorChar(size + 2, position), ']');
+    }
+}
+
+TEST(RStateLetters, SurviveAnyNumber)
+{
+    EXPECT_EQ(RState::getMinorChar(INT_MIN, 1), '@');
+    EXPECT_EQ(RState::getMinorChar(20 + 256, 1), '[');
+    for (const char character : {'@', '[', 'a', '\0', '\xC4'}) {
+        EXPECT_EQ(RState::getMinorIndex(character, 1), 0) << character;
+        EXPECT_EQ(RState::getMinorIndex(character, 2), 0) << character;
+    }
+    EXPECT_EQ(RState(1, INT_MAX, 0).getText().size(), 6U);
+    EXPECT_EQ(RState(1, INT_MIN, 0).getText(), "R1@");
+}
+
+TEST(RStateConstants, HaveTheirValuesAndAddressesForOlderUsers)
+{
+    std::vector<std::int32_t> values;
+    for (const std::int32_t* constant : addressesOfConstants()) {
+        values.push_back(*constant);
+    }
+    EXPECT_THAT(values, testing::ElementsAre(20, 340, 5460, 107860, 20, 16, 16, 20, 12));
+}
+
+TEST(RStateConstants, NumberTheIncrementTypes)
+{
+    EXPECT_EQ(static_cast<int>(IncrementType::Auto), 0);
+    EXPECT_EQ(static_cast<int>(IncrementType::Revision), 1);
+    EXPECT_EQ(static_cast<int>(IncrementType::Minor), 2);
+    EXPECT_EQ(static_cast<int>(IncrementType::Major), 3);
+    EXPECT_EQ(static_cast<int>(IncrementType::EndOfList), 4);
 }
 
 } // namespace

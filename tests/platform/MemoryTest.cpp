@@ -1,20 +1,22 @@
+#include "Allocations.h"
 #include "Board.h"
 #include "NxuConfig.h"
-#include "Allocations.h"
+#include "Program.h"
+#include "TraceTest.h"
 
 #include <gmock/gmock.h>
 
+#include <climits>
 #include <exception>
 #include <functional>
+#include <optional>
 
 namespace
 {
 
 using os::bsp::NxuConfig;
-using testing::AnyOf;
-using testing::Gt;
-using testsupport::readFile;
-using testsupport::untilItIsEnough;
+using namespace testing;
+using namespace testsupport;
 
 // All are longer than what a string holds without any memory.
 const std::string Key = "the key of a setting that is to be changed";
@@ -24,7 +26,7 @@ const std::string Value = "a value that is not short either";
 const std::string NewValue = "a value that takes the place of the former";
 const std::string Before = Comment + Key + '=' + Value + '\n' + Other;
 
-class ConfigMemory : public testing::Test
+class ConfigMemory : public Test
 {
 protected:
     ConfigMemory()
@@ -48,7 +50,7 @@ protected:
         EXPECT_THAT(needed, Gt(20));
     }
 
-    const testsupport::Board board;
+    const Board board;
     NxuConfig config;
 };
 
@@ -81,6 +83,67 @@ TEST_F(ConfigMemory, MayBeMissingForASetting)
 TEST_F(ConfigMemory, MayBeMissingForARemoval)
 {
     expectAllOrNothing([&] { return config.clear(Key); }, Comment + Other);
+}
+
+const std::string Name = "a.channel.with.a.long.name";
+const std::string Text = "a text that is longer than what a string holds without any memory";
+
+using TraceMemory = TraceTest;
+
+TEST_F(TraceMemory, MayBeMissingForAPrintedMessage)
+{
+    setLevels("bsp.core=5,a.channel.with.a.long.*=6,*=2");
+    GT_TraceRecord record{TraceRecordStartLevel, Name.c_str()};
+    const long needed =
+        untilItIsEnough([&] { GT_printf2(&record, 6, &Header, "%s\n", Text.c_str()); });
+    EXPECT_THAT(needed, Gt(5));
+    EXPECT_THAT(texts(), ElementsAre(Text));
+    EXPECT_EQ(record.level, 6U);
+    EXPECT_EQ(levelOf("bsp.core"), 5U);
+    EXPECT_EQ(levelOf("other"), 2U);
+}
+
+TEST_F(TraceMemory, MayBeMissingForAMessageOfPieces)
+{
+    HvxTrace channel(Name, 3);
+    const long needed = untilItIsEnough([&] {
+        channel.beginLogMsg(1, Header);
+        channel.logMsgData(Text.data(), static_cast<unsigned int>(Text.size()));
+        channel.logMsgData('.');
+        channel.logMsgData(Text.data(), static_cast<unsigned int>(Text.size()));
+        channel.endLogMsg();
+    });
+    EXPECT_THAT(needed, Gt(5));
+    EXPECT_THAT(texts(), ElementsAre(Text + '.' + Text));
+}
+
+TEST_F(TraceMemory, MayBeMissingForAChannel)
+{
+    std::optional<HvxTrace> channel;
+    failAllocations(LONG_MAX);
+    channel.emplace(Name, 3);
+    failAllocations(0);
+    EXPECT_THAT(channel->m_state, IsNull());
+    write(*channel, 1, Text);
+    EXPECT_THAT(lines(), IsEmpty());
+    HvxTrace later(Name, 3);
+    write(later, 1, Text);
+    EXPECT_THAT(texts(), ElementsAre(Text));
+}
+
+TEST_F(TraceMemory, MayBeMissingForTheSystemLogAndForStandardError)
+{
+    for (const char* output : {"syslog", "stderr"}) {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            setOutput(output);
+            GT_TraceRecord record{TraceRecordStartLevel, Name.c_str()};
+            testing::internal::CaptureStderr();
+            untilItIsEnough([&] { GT_printf2(&record, 1, &Header, "%s\n", Text.c_str()); });
+            ::_exit(0);
+        }
+        EXPECT_EQ(waitFor(process), 0) << output;
+    }
 }
 
 } // namespace

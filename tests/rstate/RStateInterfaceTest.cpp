@@ -1,3 +1,4 @@
+#include "Allocations.h"
 #include "RState.h"
 #include "RecordingTrace.h"
 
@@ -6,12 +7,14 @@
 #include <array>
 #include <climits>
 #include <cstring>
+#include <vector>
 
 namespace
 {
 
 using recordingtrace::takeLines;
-using testing::ElementsAre;
+using testsupport::countedAllocations;
+using namespace testing;
 
 /** A caller's buffer, filled so that every byte written can be seen. */
 struct Buffer
@@ -154,6 +157,64 @@ TEST(RStateC, RefusesToWriteToNull)
     EXPECT_EQ(RState_increment2(buffer.bytes, 12, nullptr), 0);
     EXPECT_STREQ(buffer.bytes, "R1A");
     EXPECT_THAT(takeLines(), ElementsAre());
+}
+
+TEST(RStateAllocation, TakesNoneFromTheHeapWithTheChannelOff)
+{
+    recordingtrace::setLevel("bsp.rstate", 0);
+    char text[RState::MaxRStateLen] = "R12ZZZZ999";
+    RState_compare(text, text); // the first message settles the level
+
+    const long before = countedAllocations();
+    const int result = RState_compare(text, "R12ZZZZ998");
+    RState_increment(text, sizeof text, IncrementType::Auto);
+    RState_increment2(text, sizeof text, "Major");
+    RState_fromVersion(text, 12, 107859, 999);
+    RState_compare("no R-state", "R0A");
+    const long after = countedAllocations();
+
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(result, 1);
+    EXPECT_STREQ(text, "R12ZZZZ999");
+    const std::string counted(100, 'x');
+    EXPECT_GT(countedAllocations(), after) << "allocations are counted";
+}
+
+struct Answers
+{
+    std::vector<std::pair<int, std::string>> byName;
+    std::vector<std::string> entries;
+};
+
+const Answers early = [] {
+    Answers answers;
+    for (const char* name : {"", "Auto", "Revision", "Minor", "Major", "EndOfList"}) {
+        char text[RState::MaxRStateLen] = "R2B05";
+        const int result = RState_increment2(text, sizeof text, name);
+        answers.byName.emplace_back(result, text);
+    }
+    for (const std::string& line : recordingtrace::takeLines()) {
+        if (line.find(" increment(") != std::string::npos ||
+            line.find("ENTER increment") != std::string::npos)
+        {
+            answers.entries.push_back(line);
+        }
+    }
+    return answers;
+}();
+
+TEST(RStateEarly, IncrementsByName)
+{
+    EXPECT_THAT(early.byName, ElementsAre(Pair(0, "R2B05"), Pair(1, "R2B06"), Pair(1, "R2B06"),
+                                          Pair(1, "R2C01"), Pair(1, "R3A01"), Pair(0, "R2B05")));
+}
+
+TEST(RStateEarly, NamesTheTypeInItsMessages)
+{
+    EXPECT_THAT(early.entries, ElementsAre("bsp.rstate 6 ENTER increment(Auto)\n",
+                                           "bsp.rstate 6 ENTER increment(Revision)\n",
+                                           "bsp.rstate 6 ENTER increment(Minor)\n",
+                                           "bsp.rstate 6 ENTER increment(Major)\n"));
 }
 
 } // namespace

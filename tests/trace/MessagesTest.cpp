@@ -1,19 +1,74 @@
-#include "HvxMessage.h"
 #include "ErrnoText.h"
+#include "GtMessage.h"
+#include "HvxMessage.h"
+#include "MessageText.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <climits>
+#include <locale>
 #include <thread>
 
 namespace
 {
 
-using recordingtrace::takeLines;
-using recordingtrace::takeMessages;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace testing;
+using namespace recordingtrace;
+using trace::MessageText;
+
+GT_TraceRecord record{TraceRecordStartLevel, "test.gt"};
+
+int timesPrinted = 0;
+
+void printNumber(HvxTraceLevel level)
+{
+    TRACE_PRINTF(record, level, "%s(): %d\n", __func__, ++timesPrinted);
+}
+
+TEST(GtMessage, HandsTheFormatAndItsValuesToTheLibrary)
+{
+    TRACE_PRINTF(record, trace::Notice, "%s(%d, %s) called\n", __func__, 5, "text");
+    EXPECT_THAT(takeLines(), ElementsAre("test.gt 3 TestBody(5, text) called\n"));
+}
+
+TEST(GtMessage, ReachesTheLibraryOnceWhateverTheLevel)
+{
+    recordingtrace::setLevel("test.gt", 3);
+    EXPECT_EQ(record.level, 0x1003U);
+    printNumber(6);
+    EXPECT_EQ(timesPrinted, 1) << "the library decides about the first message";
+    EXPECT_EQ(record.level, 3U);
+    printNumber(6);
+    EXPECT_EQ(timesPrinted, 1);
+    EXPECT_THAT(takeLines(), IsEmpty());
+}
+
+TEST(GtMessage, ComparesTheLevelAsUnsigned)
+{
+    recordingtrace::setLevel("test.gt", 0x80000000U);
+    printNumber(7);
+    printNumber(7);
+    EXPECT_EQ(timesPrinted, 2);
+}
+
+TEST(GtMessage, KeepsErrnoInTheValuesAndForTheCaller)
+{
+    errno = ENOENT;
+    TRACE_PRINTF(record, trace::Error, "%s: %d\n", __func__, errno);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_THAT(takeLines(), ElementsAre("test.gt 1 TestBody: 2\n"));
+}
+
+TEST(GtMessage, CarriesItsSite)
+{
+    TRACE_PRINTF(record, trace::Error, "%s\n", __func__);
+    const auto messages = recordingtrace::takeMessages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_STREQ(messages[0].header->file, "tests/trace/MessagesTest.cpp");
+    EXPECT_STREQ(messages[0].header->function, "TestBody");
+}
 
 HvxTrace channel{"test.hvx", 3};
 
@@ -81,12 +136,12 @@ TEST(HvxMessage, IsNotEvaluatedBelowTheLevel)
 
 TEST(HvxMessage, IsNotEvaluatedOnAnInactiveChannel)
 {
-    recordingtrace::setActive("test.hvx", false);
+    setActive("test.hvx", false);
     writeNumber(1);
     TRACE_ENTER(channel);
     TRACE_ENTER_WITH(channel, evaluated());
     EXPECT_EQ(timesEvaluated, 0);
-    recordingtrace::setActive("test.hvx", true);
+    setActive("test.hvx", true);
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
@@ -147,7 +202,7 @@ TEST(HvxMessage, HasOneHeaderForEachSite)
     EXPECT_EQ(messages[0].header, messages[2].header);
     EXPECT_EQ(messages[1].header, messages[3].header);
     EXPECT_EQ(messages[0].header->line + 1, messages[1].header->line);
-    EXPECT_STREQ(messages[0].header->file, "tests/trace/HvxMessageTest.cpp");
+    EXPECT_STREQ(messages[0].header->file, "tests/trace/MessagesTest.cpp");
     EXPECT_STREQ(messages[0].header->function, "TestBody");
 }
 
@@ -170,6 +225,62 @@ TEST(HvxMessage, KeepsTheMessagesOfThreadsApart)
         ++lines;
     }
     EXPECT_EQ(lines, 400);
+}
+
+template <typename... Values> std::string textOf(const Values&... values)
+{
+    MessageText text;
+    (text << ... << values);
+    return std::string(text.view());
+}
+
+TEST(MessageText, TakesTexts)
+{
+    EXPECT_EQ(textOf("a", std::string("b\0c", 3), 'd', std::string_view("ef").substr(1)),
+              std::string("ab\0cdf", 6));
+    const char* none = nullptr;
+    EXPECT_EQ(textOf("a", none, "b", ""), "ab");
+    EXPECT_EQ(textOf(syscalls::errnoText(ENOENT), syscalls::errnoText(12345)),
+              "No such file or directoryUnknown error 12345");
+}
+
+TEST(MessageText, TakesNumbers)
+{
+    EXPECT_EQ(textOf(0, ' ', -1, ' ', INT_MIN, ' ', UINT_MAX), "0 -1 -2147483648 4294967295");
+    EXPECT_EQ(textOf(INT64_MIN, ' ', INT64_MAX, ' ', UINT64_MAX),
+              "-9223372036854775808 9223372036854775807 18446744073709551615");
+    EXPECT_EQ(textOf(short{-7}, std::size_t{8}), "-78");
+}
+
+TEST(MessageText, GrowsWithWhatItTakes)
+{
+    for (const std::size_t length : {511U, 512U, 513U, 1023U, 1024U, 1025U, 100000U}) {
+        const std::string first(length, 'a');
+        EXPECT_EQ(textOf(first), first);
+        EXPECT_EQ(textOf(first, "bc", first, 10), first + "bc" + first + "10");
+    }
+    MessageText text;
+    std::string expected;
+    for (int i = 0; i < 5000; ++i) {
+        text << 'x';
+        expected += 'x';
+    }
+    EXPECT_EQ(text.view(), expected);
+    EXPECT_FALSE(text.isLost());
+}
+
+class Thousands : public std::numpunct<char>
+{
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(MessageText, WritesNumbersTheSameInAllLocales)
+{
+    const std::locale before =
+        std::locale::global(std::locale(std::locale(), new Thousands)); // NOLINT(*-owning-memory)
+    EXPECT_EQ(textOf(1009, ' ', 1234567U, ' ', -1000000000L), "1009 1234567 -1000000000");
+    std::locale::global(before);
 }
 
 } // namespace

@@ -1,0 +1,71 @@
+/**
+ * @file
+ * @brief What root needs to be another user in a test, or to start programs as one.
+ */
+#ifndef TESTS_SUPPORT_OTHERUSER_H
+#define TESTS_SUPPORT_OTHERUSER_H
+
+#include "Files.h"
+#include "Program.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace testsupport
+{
+
+/** A user whom root can become. */
+constexpr uid_t OrdinaryUser = 65534;
+
+/** Makes this process one of that user's. */
+inline bool become(uid_t user)
+{
+    return ::setgroups(0, nullptr) == 0 && ::setresgid(user, user, user) == 0 &&
+           ::setresuid(user, user, user) == 0;
+}
+
+/** Makes this process one of an ordinary user, or ends it. */
+inline void becomeOrdinaryUser()
+{
+    if (!become(OrdinaryUser)) {
+        ::_exit(126);
+    }
+}
+
+/** Whether an ordinary user gets as far as that path. */
+inline bool canBeReachedByOthers(const std::string& path)
+{
+    const pid_t process = ::fork();
+    if (process == 0) {
+        becomeOrdinaryUser();
+        ::_exit(::faccessat(AT_FDCWD, path.c_str(), X_OK, 0) == 0 ? 0 : 1);
+    }
+    return waitFor(process) == 0;
+}
+
+/** A copy of a program that other users can start, though the build may lie in a private folder. */
+class SharedCopy
+{
+public:
+    explicit SharedCopy(const std::filesystem::path& program)
+        : m_directory("/tmp"), m_path(m_directory.path() / program.filename())
+    {
+        constexpr auto ForAll = std::filesystem::perms(0755);
+        std::filesystem::copy_file(program, m_path);
+        std::filesystem::permissions(m_path, ForAll);
+        std::filesystem::permissions(m_directory.path(), ForAll);
+    }
+
+    /** Path of the copy. */
+    std::string path() const { return m_path.string(); }
+
+private:
+    TemporaryDirectory m_directory;
+    std::filesystem::path m_path;
+};
+
+} // namespace testsupport
+
+#endif
