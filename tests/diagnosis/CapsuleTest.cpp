@@ -1,6 +1,5 @@
 #include "DiagTest.h"
 
-#include <filesystem>
 #include <regex>
 
 #include <semaphore.h>

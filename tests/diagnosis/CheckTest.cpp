@@ -1,9 +1,6 @@
 #include "DiagTest.h"
 
-#include <filesystem>
-
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace
 {
@@ -19,16 +16,25 @@ const std::string PrivateStore = ". Follows: every program works on a private, e
 class Check : public DiagTest
 {};
 
+class CheckOfOrdinaryUser : public DiagTest
+{
+protected:
+    void SetUp() override
+    {
+        DiagTest::SetUp();
+        if (const std::string reason = noOtherUser(); !reason.empty()) {
+            GTEST_SKIP() << reason;
+        }
+    }
+};
+
 TEST_F(Check, FindsNothingOnAHealthyBoard)
 {
     EXPECT_EQ(diag({"check"}).run(), testsupport::answer("nothing found\n"));
 }
 
-TEST_F(Check, SaysWhatItCannotSeeWithoutPrivilege)
+TEST_F(CheckOfOrdinaryUser, SaysWhatItCannotSeeWithoutPrivilege)
 {
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
     for (const char* const name : {"eeprom", "top.dtcm0", "top.sys_ctrl0"}) {
         fs::permissions(boardFile(name), fs::perms(0666));
     }
@@ -108,11 +114,8 @@ TEST_F(Check, NamesAShortDtcm)
                             PrivateStore + "give the device 32768 bytes"));
 }
 
-TEST_F(Check, NamesADtcmThatThisUserMayNotWrite)
+TEST_F(CheckOfOrdinaryUser, NamesADtcmThatThisUserMayNotWrite)
 {
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
     fs::permissions(boardFile("top.dtcm0"), fs::perms(0644));
     EXPECT_THAT(findings(diagOfOrdinaryUser({"check"})),
                 Contains("dtcm-not-writable: this user may not write the tightly coupled memory. "
@@ -127,11 +130,8 @@ TEST_F(Check, NamesADtcmThatCannotBeMapped)
     EXPECT_THAT(names(), ElementsAre("dtcm-not-mappable"));
 }
 
-TEST_F(Check, NamesALimitOfLockedMemory)
+TEST_F(CheckOfOrdinaryUser, NamesALimitOfLockedMemory)
 {
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
     testsupport::Program program = diagOfOrdinaryUser({"check"});
     const auto becomeUser = program.prepare;
     program.prepare = [becomeUser] {
@@ -248,11 +248,8 @@ TEST_F(Check, NamesSettingsThatAreNoModes)
     EXPECT_THAT(findings(), IsEmpty());
 }
 
-TEST_F(Check, NamesSettingsThatThisUserMayNotChange)
+TEST_F(CheckOfOrdinaryUser, NamesSettingsThatThisUserMayNotChange)
 {
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
     EXPECT_THAT(
         findings(diagOfOrdinaryUser({"check"})),
         Contains("settings-not-writable: this user may not change the settings. Evidence: BOARD: "
@@ -261,11 +258,8 @@ TEST_F(Check, NamesSettingsThatThisUserMayNotChange)
                  "and its directory"));
 }
 
-TEST_F(Check, NamesLedsThatCannotBeSet)
+TEST_F(CheckOfOrdinaryUser, NamesLedsThatCannotBeSet)
 {
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
     fs::remove_all("/sys/class/leds/yellow");
     testsupport::writeFile("/sys/class/leds/red/trigger", "[none] timer\n");
     fs::remove("/sys/class/leds/red/korvanta_state");

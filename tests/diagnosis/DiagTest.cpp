@@ -4,14 +4,11 @@
 #include "OtherUser.h"
 
 #include <csignal>
-#include <filesystem>
-#include <iterator>
 #include <regex>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;

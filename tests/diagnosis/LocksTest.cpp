@@ -2,7 +2,6 @@
 #include "Namespaces.h"
 
 #include <chrono>
-#include <filesystem>
 #include <thread>
 
 #include <fcntl.h>

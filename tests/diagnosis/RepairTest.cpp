@@ -1,7 +1,5 @@
 #include "DiagTest.h"
 
-#include <filesystem>
-
 namespace
 {
 

@@ -14,7 +14,6 @@
 #include "WarmDatabase.h"
 #include "WarmLayout.h"
 
-#include <cstdlib>
 #include <iostream>
 #include <mutex>
 #include <string>

@@ -9,9 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <filesystem>
 
-#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 

@@ -7,10 +7,8 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <iostream>
 
-#include <fcntl.h>
 #include <semaphore.h>
 
 namespace

@@ -23,7 +23,7 @@ struct MessageRow
 {
     const char* command; /**< Beginning of the commands' names. */
     std::string text;
-    End end;
+    End end = End::Nothing;
 };
 
 const std::string Image = "/tmp/board/zImage";
@@ -36,30 +36,24 @@ const std::vector<MessageRow>& messageRows()
 {
     static const std::vector<MessageRow> table{
         {"get", "bsp.core 1 operator()(): e2prom_data_read() failed. Returned ", End::Anything},
-        {"getKernel", "bsp.core 1 Bsp_getKernelRState(): Could not open file: " + Image,
-         End::Nothing},
+        {"getKernel", "bsp.core 1 Bsp_getKernelRState(): Could not open file: " + Image},
         {"getKernel",
-         "bsp.core 1 Bsp_getKernelRState(): lseek(zImage, 0, SEEK_SET) failed for " + Image,
-         End::Nothing},
+         "bsp.core 1 Bsp_getKernelRState(): lseek(zImage, 0, SEEK_SET) failed for " + Image},
         {"getKernel",
-         "bsp.core 1 Bsp_findArchive(): File error before archive found. read() returned -1",
-         End::Nothing},
+         "bsp.core 1 Bsp_findArchive(): File error before archive found. read() returned -1"},
         {"getKernel",
-         "bsp.core 1 Bsp_findArchive(): File error before archive found. read() returned 0",
-         End::Nothing},
+         "bsp.core 1 Bsp_findArchive(): File error before archive found. read() returned 0"},
         {"getKernel", "bsp.core 1 Bsp_getKernelRState(): lseek(zImage, ", End::Anything},
         {"getKernel",
-         "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp",
-         End::Nothing},
+         "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp"},
         {"getKernel", "bsp.core 1 Bsp_inflateArchive(): Read failed with errno = ", End::Error},
-        {"getKernel", "bsp.core 4 Bsp_inflateArchive(): End-of-file reached", End::Nothing},
-        {"getKernel", "bsp.core 1 Bsp_inflateArchive(): fwrite() failed", End::Nothing},
+        {"getKernel", "bsp.core 4 Bsp_inflateArchive(): End-of-file reached"},
+        {"getKernel", "bsp.core 1 Bsp_inflateArchive(): fwrite() failed"},
         {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): fseek failed with errno = ", End::Error},
         {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): fstat failed with errno = ", End::Error},
-        {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image", End::Nothing},
-        {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found", End::Nothing},
-        {"getKernel", "bsp.core 4 Bsp_readHelper(): read was interrupted. Retrying...",
-         End::Nothing},
+        {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image"},
+        {"getKernel", "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found"},
+        {"getKernel", "bsp.core 4 Bsp_readHelper(): read was interrupted. Retrying..."},
         {"getUboot",
          "bsp.core 1 Bsp_getUbootProductInfo(): Failed to open u-boot device with name " + Device +
              ". errno = ",
@@ -71,21 +65,18 @@ const std::vector<MessageRow>& messageRows()
          "bsp.core 1 Bsp_getUbootProductInfo(): Failed to set file offset. errno = ", End::Error},
         {"getUboot",
          "bsp.core 1 Bsp_getUbootProductInfo(): Failed to read file. errno = ", End::Error},
-        {"getUboot", "bsp.core 4 Bsp_readHelper(): read was interrupted. Retrying...",
-         End::Nothing},
+        {"getUboot", "bsp.core 4 Bsp_readHelper(): read was interrupted. Retrying..."},
         {"setState", "bsp.led 1 Led_close(", End::Anything},
-        {"setStateAtOnce", "bsp.led 3 Led_write(): Partial write: 1 bytes written. 3 left to write",
-         End::Nothing},
+        {"setStateAtOnce",
+         "bsp.led 3 Led_write(): Partial write: 1 bytes written. 3 left to write"},
         {"setStateAfterTrigger",
-         "bsp.led 3 Led_write(): Partial write: 1 bytes written. 7 left to write", End::Nothing},
+         "bsp.led 3 Led_write(): Partial write: 1 bytes written. 7 left to write"},
         {"setStateAfterTrigger",
          "bsp.led 1 Led_enableTrigger: open failed. errno = ", End::Anything},
-        {"setStateAfterTrigger", "bsp.led 1 Led_open: Failed to enable Korvanta LED trigger.",
-         End::Nothing},
+        {"setStateAfterTrigger", "bsp.led 1 Led_open: Failed to enable Korvanta LED trigger."},
         {"setStateAfterTrigger", "bsp.led 1 Led_open: open failed. errno = ", End::Anything},
         {"getSlotId",
-         "Bsp.WarmDatabase 1 memoryMapTheDatabase(): Error during initialization of warm area",
-         End::Nothing},
+         "Bsp.WarmDatabase 1 memoryMapTheDatabase(): Error during initialization of warm area"},
         {"getSlotId",
          "Bsp.WarmDatabase 1 memoryMapTheDatabase(): Error during initialization of warm area, "
          "error: ",
@@ -94,11 +85,9 @@ const std::vector<MessageRow>& messageRows()
          "Bsp.WarmDatabase 1 initDatabaseSemaphore(): error in sem_open error: ", End::Error},
         {"getSlotId",
          "Bsp.WarmDatabase 1 initBlockSynchronization(): error in shm_open error: ", End::Error},
-        {"setRadiolinkMode", "bsp.config 1 set(RadiolinkMode) failed: " + Store + EndsEarly,
-         End::Nothing},
+        {"setRadiolinkMode", "bsp.config 1 set(RadiolinkMode) failed: " + Store + EndsEarly},
         {"setRadiolinkMode", "bsp.config 1 set(RadiolinkMode) failed: " + Store, End::Anything},
-        {"clearRadiolinkMode", "bsp.config 1 clear(RadiolinkMode) failed: " + Store + EndsEarly,
-         End::Nothing},
+        {"clearRadiolinkMode", "bsp.config 1 clear(RadiolinkMode) failed: " + Store + EndsEarly},
         {"clearRadiolinkMode", "bsp.config 1 clear(RadiolinkMode) failed: " + Store, End::Anything},
     };
     return table;

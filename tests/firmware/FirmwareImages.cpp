@@ -1,7 +1,6 @@
 #include "FirmwareImages.h"
 
 #include <algorithm>
-#include <random>
 #include <stdexcept>
 
 #include <zlib.h>

@@ -6,9 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdio>
-#include <random>
-
 namespace
 {
 

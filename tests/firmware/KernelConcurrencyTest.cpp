@@ -9,9 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <random>
 #include <thread>
-#include <vector>
 
 #include <sys/wait.h>
 #include <unistd.h>

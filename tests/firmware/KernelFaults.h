@@ -14,6 +14,7 @@
 #include <zlib.h>
 
 #include <string>
+#include <vector>
 
 namespace firmware
 {
@@ -50,6 +51,13 @@ protected:
     }
 
     Answer askAgain() const { return askFile(m_image); }
+
+    /** Asks and expects the answer and all messages of how it went. */
+    void expectAnswer(const Answer& answer, const std::vector<std::string>& course) const
+    {
+        EXPECT_EQ(askAgain(), answer);
+        EXPECT_EQ(recordingtrace::takeLines(Course), course);
+    }
 
     const TemporaryDirectory m_directory;
     const std::string m_image = m_directory.file("zImage");

@@ -11,7 +11,6 @@
 #include <functional>
 #include <iostream>
 #include <thread>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -126,8 +125,7 @@ protected:
     /** Fails and leaves the file that is there alone. */
     bool isRefused() const
     {
-        EXPECT_EQ(askAgain(), failed());
-        EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+        expectAnswer(failed(), {headerAt1000, noTemporaryFile});
         return temporaryImageExists();
     }
 

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <future>
 #include <memory>
-#include <string>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -100,8 +99,7 @@ TEST_F(KernelWaiting, EndsAfterTenSeconds)
     forbidRemoving();
     const SomebodysFile his;
     his.lock();
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
     EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
     // Often enough to notice the end at once, seldom enough to leave the processor to others.
     EXPECT_THAT(time.sleeps(), AllOf(Ge(1000), Le(10000)));
@@ -141,8 +139,7 @@ TEST_F(KernelWaiting, EndsHoweverOftenTheFileComesBack)
         his->lock();
         return 0;
     };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
     EXPECT_THAT(time.passed(), Le(milliseconds(10010)));
     expectItIsStillThere(*his);
 }
@@ -189,8 +186,7 @@ TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
     EXPECT_THAT(time.passed(), AllOf(Ge(milliseconds(500)), Le(seconds(1))));
     expectItIsStillThere(his);
 }
@@ -274,8 +270,7 @@ TEST_F(KernelWaiting, IsNotForAnotherUsersPipe)
         EXPECT_TRUE(path != std::string(TemporaryImage) || (flags & O_CREAT) != 0);
         return real().open(path, flags, mode);
     };
-    EXPECT_EQ(askAgain(), failed());
-    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
     EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
 }
 

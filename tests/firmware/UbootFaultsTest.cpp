@@ -32,7 +32,15 @@ std::string error(const std::string& text)
     return "bsp.core 1 Bsp_getUbootProductInfo(): " + text;
 }
 
-TEST(UbootFaults, RefusesNoRoomBeforeItOpensAnything)
+class UbootFaults : public Test
+{
+protected:
+    ~UbootFaults() override { hooks() = {}; }
+
+    const TemporaryDirectory directory;
+};
+
+TEST_F(UbootFaults, RefusesNoRoomBeforeItOpensAnything)
 {
     hooks().open = [](const char* path, int, mode_t) {
         ADD_FAILURE() << path << " is opened";
@@ -41,11 +49,10 @@ TEST(UbootFaults, RefusesNoRoomBeforeItOpensAnything)
     EXPECT_EQ(askFile("/dev/null", 0, 80), failed);
     EXPECT_EQ(askFile("/dev/null", 80, 0), failed);
     EXPECT_EQ(askFile("/dev/null", 0, 0), failed);
-    hooks() = {};
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
-TEST(UbootFaults, ReportsADeviceThatCannotBeOpened)
+TEST_F(UbootFaults, ReportsADeviceThatCannotBeOpened)
 {
     EXPECT_EQ(askFile("/no/such/device"), failed);
     char buffer[8] = "before";
@@ -58,9 +65,8 @@ TEST(UbootFaults, ReportsADeviceThatCannotBeOpened)
                                   "errno = Bad address")));
 }
 
-TEST(UbootFaults, ReportsADeviceWithoutASize)
+TEST_F(UbootFaults, ReportsADeviceWithoutASize)
 {
-    const TemporaryDirectory directory;
     const std::string pipe = directory.file("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     const int otherEnd = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
@@ -70,43 +76,39 @@ TEST(UbootFaults, ReportsADeviceWithoutASize)
                 ElementsAre(error("Failed to get size of " + pipe + ". errno = Illegal seek")));
 }
 
-TEST(UbootFaults, ReportsADeviceThatCannotBePositioned)
+TEST_F(UbootFaults, ReportsADeviceThatCannotBePositioned)
 {
     hooks().lseek = [](int fd, off_t offset, int whence) {
         return whence == SEEK_SET ? fail<off_t>(EIO) : real().lseek(fd, offset, whence);
     };
     EXPECT_EQ(ask("x"), failed);
-    hooks() = {};
     EXPECT_THAT(takeLines(),
                 ElementsAre(error("Failed to set file offset. errno = Input/output error")));
 }
 
-TEST(UbootFaults, ReportsADeviceThatCannotBeRead)
+TEST_F(UbootFaults, ReportsADeviceThatCannotBeRead)
 {
     int reads = 0;
     hooks().read = [&](int fd, void* buffer, std::size_t) {
         return ++reads == 1 ? real().read(fd, buffer, 5) : fail<ssize_t>(EIO);
     };
     EXPECT_EQ(ask("Product number: PN-1"), failed);
-    hooks() = {};
     EXPECT_THAT(takeLines(), ElementsAre("bsp.core 7 Bsp_readHelper(): Read 5 bytes",
                                          "bsp.core 7 Bsp_readHelper(): Read -1 bytes",
                                          error("Failed to read file. errno = Input/output error")));
 }
 
-TEST(UbootFaults, ReadsAFolderWhoseSizeIsNothing)
+TEST_F(UbootFaults, ReadsAFolderWhoseSizeIsNothing)
 {
     // One read is made all the same, and fails.
     hooks().lseek = [](int, off_t, int) { return off_t{0}; };
     EXPECT_EQ(askFile("/proc/self/fd"), failed);
-    hooks() = {};
     EXPECT_THAT(takeLines(), ElementsAre("bsp.core 7 Bsp_readHelper(): Read -1 bytes",
                                          error("Failed to read file. errno = Is a directory")));
 }
 
-TEST(UbootFaults, RefusesAFolder)
+TEST_F(UbootFaults, RefusesAFolder)
 {
-    const TemporaryDirectory directory;
     for (const std::string& folder : {directory.path().string(), std::string("/"),
                                       std::string("/proc/self/fd"), std::string("/dev")})
     {
@@ -115,7 +117,7 @@ TEST(UbootFaults, RefusesAFolder)
     }
 }
 
-TEST(UbootFaults, ReportsAnImageThatFitsIntoNoMemory)
+TEST_F(UbootFaults, ReportsAnImageThatFitsIntoNoMemory)
 {
     struct Case
     {
@@ -134,19 +136,17 @@ TEST(UbootFaults, ReportsAnImageThatFitsIntoNoMemory)
         EXPECT_EQ(askFile("/dev/null"), failed);
         EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate " + bytes + " bytes")));
     }
-    hooks() = {};
 }
 
-TEST(UbootFaults, ReportsASparseImageLargerThanMemory)
+TEST_F(UbootFaults, ReportsASparseImageLargerThanMemory)
 {
-    const TemporaryDirectory directory;
     writeFile(directory.file("u-boot"), "Product number: PN-1");
     std::filesystem::resize_file(directory.file("u-boot"), std::uintmax_t{1} << 42U);
     EXPECT_EQ(askFile(directory.file("u-boot")), failed);
     EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 4398046511105 bytes")));
 }
 
-TEST(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)
+TEST_F(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)
 {
     // The kernel would promise that much, and kill this process when it is used.
     hooks().sysinfo = [](struct sysinfo* machine) {
@@ -161,12 +161,10 @@ TEST(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)
     EXPECT_THAT(takeLines(1), ElementsAre(error("Failed to allocate 501 bytes")));
     hooks().sysinfo = [](struct sysinfo*) { return fail(EFAULT); };
     EXPECT_EQ(ask(noise(500)), (Answer{0, "Not found", "Not found"}));
-    hooks() = {};
 }
 
-TEST(UbootFaults, ReportsALackOfMemory)
+TEST_F(UbootFaults, ReportsALackOfMemory)
 {
-    const TemporaryDirectory directory;
     writeFile(directory.file("u-boot"), noise(500));
     const std::string name = directory.file("u-boot");
     char buffer[8] = "before";
@@ -182,9 +180,8 @@ TEST(UbootFaults, ReportsALackOfMemory)
     EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 501 bytes")));
 }
 
-TEST(UbootFaults, SearchesNoMoreThanWasRead)
+TEST_F(UbootFaults, SearchesNoMoreThanWasRead)
 {
-    const TemporaryDirectory directory;
     const std::string name = directory.file("u-boot");
     writeFile(name, "Product number: PN-1 is cut here, R-state: R1");
     hooks().read = [&](int fd, void* buffer, std::size_t size) {
@@ -197,12 +194,10 @@ TEST(UbootFaults, SearchesNoMoreThanWasRead)
         return real().read(fd, buffer, size);
     };
     EXPECT_EQ(askFile(name), (Answer{0, "PN-1", "Not found"}));
-    hooks() = {};
 }
 
-TEST(UbootFaults, SearchesAGrowingImageAsFarAsItReachedAtFirst)
+TEST_F(UbootFaults, SearchesAGrowingImageAsFarAsItReachedAtFirst)
 {
-    const TemporaryDirectory directory;
     const std::string name = directory.file("u-boot");
     writeFile(name, "Product number: PN");
     hooks().read = [&](int fd, void* buffer, std::size_t size) {
@@ -210,10 +205,9 @@ TEST(UbootFaults, SearchesAGrowingImageAsFarAsItReachedAtFirst)
         return real().read(fd, buffer, size);
     };
     EXPECT_EQ(askFile(name), (Answer{0, "PN", "Not found"}));
-    hooks() = {};
 }
 
-TEST(UbootFaults, ContinuesInterruptedAndShortReads)
+TEST_F(UbootFaults, ContinuesInterruptedAndShortReads)
 {
     int reads = 0;
     hooks().read = [&](int fd, void* buffer, std::size_t size) {
@@ -223,11 +217,10 @@ TEST(UbootFaults, ContinuesInterruptedAndShortReads)
         return real().read(fd, buffer, std::min<std::size_t>(size, 7));
     };
     EXPECT_EQ(ask("Product number: PN-0001\nR-state: R2B\n"), (Answer{0, "PN-0001", "R2B"}));
-    hooks() = {};
     EXPECT_GT(reads, 6);
 }
 
-TEST(UbootFaults, LeaksNothingHoweverOftenItFails)
+TEST_F(UbootFaults, LeaksNothingHoweverOftenItFails)
 {
     recordingtrace::setLevel("bsp.core", 0);
     const auto before = openDescriptors();
@@ -249,7 +242,6 @@ TEST(UbootFaults, LeaksNothingHoweverOftenItFails)
         hooks().read = [](int, void*, std::size_t) { return fail<ssize_t>(EIO); };
         ASSERT_EQ(askFile("/dev/null"), failed);
     }
-    hooks() = {};
     EXPECT_EQ(openDescriptors(), before);
 }
 

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <vector>
 
 namespace
 {

@@ -30,38 +30,26 @@ TEST(RadiolinkMode, IsRl4WhenNoneIsStored)
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
-TEST(RadiolinkMode, IsTheStoredRl4)
-{
-    store().values[key] = rl4;
-    EXPECT_EQ(getRadiolinkMode(), RadiolinkMode::Rl4);
-}
+/** A stored text, and the mode that it stands for. */
+class StoredMode : public TestWithParam<std::pair<std::string, RadiolinkMode>>
+{};
 
-TEST(RadiolinkMode, IsTheStoredRl5)
+TEST_P(StoredMode, IsComparedByLengthAndBytesAndElseRl4)
 {
-    store().values[key] = rl5;
-    EXPECT_EQ(getRadiolinkMode(), RadiolinkMode::Rl5);
-    EXPECT_EQ(Bsp_getRadiolinkMode(), 1);
-}
-
-TEST(RadiolinkMode, IsRl4ForAnyOtherText)
-{
-    store().values[key] = "Rl6";
-    EXPECT_EQ(getRadiolinkMode(), RadiolinkMode::Rl4);
+    store().values[key] = GetParam().first;
+    EXPECT_EQ(getRadiolinkMode(), GetParam().second);
+    EXPECT_EQ(Bsp_getRadiolinkMode(), static_cast<int>(GetParam().second));
     EXPECT_THAT(takeLines(), IsEmpty());
 }
 
-TEST(RadiolinkMode, IsComparedByLengthAndBytes)
-{
-    store().values[key] = rl5 + '\0';
-    EXPECT_EQ(getRadiolinkMode(), RadiolinkMode::Rl4);
-}
-
-TEST(RadiolinkMode, IsComparedBehindANul)
-{
-    // Begins with what both modes have before their NUL.
-    store().values[key] = "mode";
-    EXPECT_EQ(getRadiolinkMode(), RadiolinkMode::Rl4);
-}
+// The last begins with what both modes have before their NUL.
+INSTANTIATE_TEST_SUITE_P(All, StoredMode,
+                         Values(std::pair{rl4, RadiolinkMode::Rl4},
+                                std::pair{rl5, RadiolinkMode::Rl5},
+                                std::pair{std::string("Rl6"), RadiolinkMode::Rl4},
+                                std::pair{rl5 + '\0', RadiolinkMode::Rl4},
+                                std::pair{std::string("mode"), RadiolinkMode::Rl4}),
+                         [](const auto& chosen) { return "Text" + std::to_string(chosen.index); });
 
 TEST(RadiolinkMode, IsReadOncePerProcess)
 {

@@ -4,7 +4,6 @@
 #include "RecordingTrace.h"
 
 #include <cerrno>
-#include <filesystem>
 
 #include <unistd.h>
 

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
-#include <functional>
 #include <stdexcept>
 
 #include <fcntl.h>

@@ -27,6 +27,15 @@ using DDevIo::PthreadMutex;
 using namespace testing;
 using testsupport::Board;
 
+class OnBoard : public Test
+{
+protected:
+    const Board board;
+};
+using DeviceHandle = OnBoard;
+using DeviceRegisters = OnBoard;
+using DeviceFactory = OnBoard;
+
 const char* const NoNames[] = {"", ".", "..", "/", "a/b", "../device", "/etc/passwd", "device/"};
 
 std::string wordsOf(std::initializer_list<unsigned int> words)
@@ -63,9 +72,8 @@ unsigned int readOf(IDevice& device, std::size_t offset, unsigned int untouched 
     return value;
 }
 
-TEST(DeviceHandle, GivesADescriptorToMap)
+TEST_F(DeviceHandle, GivesADescriptorToMap)
 {
-    const Board board;
     board.write("top.dtcm0", std::string(32768, 'x'));
     const int handle = DDevIo_open("top.dtcm0");
     ASSERT_GE(handle, 0);
@@ -78,18 +86,16 @@ TEST(DeviceHandle, GivesADescriptorToMap)
     EXPECT_EQ(testsupport::readFile(board.file("top.dtcm0")), std::string(32767, 'x') + 'y');
 }
 
-TEST(DeviceHandle, IsNotForTheProgramsThatThisProcessStarts)
+TEST_F(DeviceHandle, IsNotForTheProgramsThatThisProcessStarts)
 {
-    const Board board;
     board.write("device", "");
     const int handle = DDevIo_open("device");
     EXPECT_EQ(::fcntl(DDevIo_getFileDescriptor(handle), F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(DDevIo_close(handle), 0);
 }
 
-TEST(DeviceHandle, FollowsALinkToADeviceNode)
+TEST_F(DeviceHandle, FollowsALinkToADeviceNode)
 {
-    const Board board;
     ASSERT_EQ(::symlink("/dev/zero", board.file("device").c_str()), 0);
     const int handle = DDevIo_open("device");
     ASSERT_GE(handle, 0);
@@ -99,9 +105,8 @@ TEST(DeviceHandle, FollowsALinkToADeviceNode)
     EXPECT_EQ(DDevIo_close(handle), 0);
 }
 
-TEST(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
+TEST_F(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
 {
-    const Board board;
     errno = 0;
     EXPECT_LT(DDevIo_open("device"), 0);
     EXPECT_EQ(errno, ENOENT);
@@ -111,9 +116,8 @@ TEST(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
     EXPECT_FALSE(board.has("other"));
 }
 
-TEST(DeviceHandle, IsRefusedForAWarmAreaThatIsTooShort)
+TEST_F(DeviceHandle, IsRefusedForAWarmAreaThatIsTooShort)
 {
-    const Board board;
     for (const std::size_t size : {0U, 1U, 32767U}) {
         board.write("top.dtcm0", std::string(size, 'x'));
         errno = 0;
@@ -128,18 +132,16 @@ TEST(DeviceHandle, IsRefusedForAWarmAreaThatIsTooShort)
     }
 }
 
-TEST(DeviceHandle, DoesNotMeasureADeviceNode)
+TEST_F(DeviceHandle, DoesNotMeasureADeviceNode)
 {
-    const Board board;
     testsupport::makeLink("/dev/zero", board.file("top.dtcm0"));
     const int handle = DDevIo_open("top.dtcm0");
     EXPECT_GE(handle, 0);
     EXPECT_EQ(DDevIo_close(handle), 0);
 }
 
-TEST(DeviceHandle, IsRefusedForWhatIsNoMemory)
+TEST_F(DeviceHandle, IsRefusedForWhatIsNoMemory)
 {
-    const Board board;
     testsupport::makeNode(S_IFIFO, board.file("pipe"));
     testsupport::makeNode(S_IFSOCK, board.file("socket"));
     const testsupport::Terminal terminal;
@@ -154,18 +156,16 @@ TEST(DeviceHandle, IsRefusedForWhatIsNoMemory)
     }
 }
 
-TEST(DeviceHandle, IsOneThatReadsWait)
+TEST_F(DeviceHandle, IsOneThatReadsWait)
 {
-    const Board board;
     testsupport::makeLink("/dev/zero", board.file("device"));
     const int handle = DDevIo_open("device");
     EXPECT_EQ(::fcntl(DDevIo_getFileDescriptor(handle), F_GETFL) & O_NONBLOCK, 0);
     EXPECT_EQ(DDevIo_close(handle), 0);
 }
 
-TEST(DeviceHandle, IsNoStandardStreamsDescriptor)
+TEST_F(DeviceHandle, IsNoStandardStreamsDescriptor)
 {
-    const Board board;
     board.write("device", "");
     const pid_t process = ::fork();
     if (process == 0) {
@@ -177,9 +177,8 @@ TEST(DeviceHandle, IsNoStandardStreamsDescriptor)
     EXPECT_EQ(testsupport::waitFor(process), 0);
 }
 
-TEST(DeviceHandle, IsRefusedForWhatIsNoName)
+TEST_F(DeviceHandle, IsRefusedForWhatIsNoName)
 {
-    const Board board;
     board.write("device", "");
     for (const char* name : NoNames) {
         errno = 0;
@@ -191,9 +190,8 @@ TEST(DeviceHandle, IsRefusedForWhatIsNoName)
     EXPECT_EQ(errno, EINVAL);
 }
 
-TEST(DeviceHandle, CannotBeClosedTwice)
+TEST_F(DeviceHandle, CannotBeClosedTwice)
 {
-    const Board board;
     board.write("device", "");
     const int handle = DDevIo_open("device");
     EXPECT_EQ(DDevIo_close(handle), 0);
@@ -203,9 +201,8 @@ TEST(DeviceHandle, CannotBeClosedTwice)
     EXPECT_LT(DDevIo_close(-1), 0);
 }
 
-TEST(DeviceRegisters, AreReadInNativeByteOrder)
+TEST_F(DeviceRegisters, AreReadInNativeByteOrder)
 {
-    const Board board;
     board.write("top.sys_ctrl0", wordsOf({2, 0x80000001U, 0xFFFFFFFFU}));
     const auto device = open("top.sys_ctrl0");
     ASSERT_THAT(device, NotNull());
@@ -214,9 +211,8 @@ TEST(DeviceRegisters, AreReadInNativeByteOrder)
     EXPECT_EQ(readOf(*device, 8), 0xFFFFFFFFU);
 }
 
-TEST(DeviceRegisters, AreReadAnewEachTime)
+TEST_F(DeviceRegisters, AreReadAnewEachTime)
 {
-    const Board board;
     board.write("device", wordsOf({1}));
     const auto device = open("device");
     EXPECT_EQ(readOf(*device, 0), 1U);
@@ -227,18 +223,16 @@ TEST(DeviceRegisters, AreReadAnewEachTime)
     EXPECT_EQ(readOf(*device, 0), 7U);
 }
 
-TEST(DeviceRegisters, AreReadThroughALinkToADeviceNode)
+TEST_F(DeviceRegisters, AreReadThroughALinkToADeviceNode)
 {
-    const Board board;
     ASSERT_EQ(::symlink("/dev/zero", board.file("device").c_str()), 0);
     const auto device = open("device");
     ASSERT_THAT(device, NotNull());
     EXPECT_EQ(readOf(*device, 0), 0U);
 }
 
-TEST(DeviceRegisters, EndWithTheFile)
+TEST_F(DeviceRegisters, EndWithTheFile)
 {
-    const Board board;
     board.write("device", wordsOf({1, 2}) + "abc");
     const auto device = open("device");
     EXPECT_EQ(readOf(*device, 4), 2U);
@@ -246,9 +240,8 @@ TEST(DeviceRegisters, EndWithTheFile)
     EXPECT_EQ(readOf(*device, 12), 0xDEADU);
 }
 
-TEST(DeviceRegisters, EndWithTheFirstPage)
+TEST_F(DeviceRegisters, EndWithTheFirstPage)
 {
-    const Board board;
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     board.write("device", std::string(2 * page, 'a'));
     const auto device = open("device");
@@ -257,9 +250,8 @@ TEST(DeviceRegisters, EndWithTheFirstPage)
     EXPECT_EQ(readOf(*device, ~std::size_t{3}), 0xDEADU);
 }
 
-TEST(DeviceRegisters, AreAligned)
+TEST_F(DeviceRegisters, AreAligned)
 {
-    const Board board;
     board.write("device", std::string(16, 'a'));
     const auto device = open("device");
     for (const std::size_t offset : {1U, 2U, 3U, 5U}) {
@@ -267,9 +259,8 @@ TEST(DeviceRegisters, AreAligned)
     }
 }
 
-TEST(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
+TEST_F(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
 {
-    const Board board;
     board.write("device", wordsOf({1, 2}));
     const auto device = open("device");
     ASSERT_EQ(::truncate(board.file("device").c_str(), 4), 0);
@@ -279,9 +270,8 @@ TEST(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
     EXPECT_EQ(readOf(*device, 0), 0xDEADU);
 }
 
-TEST(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
+TEST_F(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
 {
-    const Board board;
     board.write("device", wordsOf({7}));
     const auto device = open("device");
     std::atomic<bool> done{false};
@@ -304,18 +294,16 @@ TEST(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
     cutter.join();
 }
 
-TEST(DeviceRegisters, OfAnEmptyFileAreNone)
+TEST_F(DeviceRegisters, OfAnEmptyFileAreNone)
 {
-    const Board board;
     board.write("device", "");
     const auto device = open("device");
     ASSERT_THAT(device, NotNull());
     EXPECT_EQ(readOf(*device, 0), 0xDEADU);
 }
 
-TEST(DeviceRegisters, AreReadUnderTheDevicesLock)
+TEST_F(DeviceRegisters, AreReadUnderTheDevicesLock)
 {
-    const Board board;
     board.write("device", wordsOf({1}));
     std::vector<std::string> log;
     auto device =
@@ -328,22 +316,20 @@ TEST(DeviceRegisters, AreReadUnderTheDevicesLock)
     EXPECT_THAT(log, ElementsAre("lock", "unlock", "lock", "unlock", "gone"));
 }
 
-TEST(DeviceRegisters, NeedNoLock)
+TEST_F(DeviceRegisters, NeedNoLock)
 {
-    const Board board;
     board.write("device", wordsOf({5}));
     const auto device = Factory::getInstance().createUnique("device", nullptr);
     EXPECT_EQ(readOf(*device, 0), 5U);
 }
 
-TEST(DeviceFactory, IsOne)
+TEST_F(DeviceFactory, IsOne)
 {
     EXPECT_EQ(&Factory::getInstance(), &Factory::getInstance());
 }
 
-TEST(DeviceFactory, MakesNothingOfWhatCannotBeOpenedAndMapped)
+TEST_F(DeviceFactory, MakesNothingOfWhatCannotBeOpenedAndMapped)
 {
-    const Board board;
     EXPECT_THAT(open("device"), IsNull());
     std::filesystem::create_directory(board.file("directory"));
     EXPECT_THAT(open("directory"), IsNull());
@@ -359,9 +345,8 @@ TEST(DeviceFactory, MakesNothingOfWhatCannotBeOpenedAndMapped)
     EXPECT_THAT(open("link"), IsNull());
 }
 
-TEST(DeviceFactory, MakesNothingOfWhatIsNoName)
+TEST_F(DeviceFactory, MakesNothingOfWhatIsNoName)
 {
-    const Board board;
     board.write("device", wordsOf({1}));
     for (const char* name : NoNames) {
         EXPECT_THAT(open(name), IsNull()) << name;
@@ -369,18 +354,16 @@ TEST(DeviceFactory, MakesNothingOfWhatIsNoName)
     EXPECT_THAT(open(std::string("device\0", 7)), IsNull());
 }
 
-TEST(DeviceFactory, EndsTheLockOfADeviceThatItCannotMake)
+TEST_F(DeviceFactory, EndsTheLockOfADeviceThatItCannotMake)
 {
-    const Board board;
     std::vector<std::string> log;
     EXPECT_THAT(Factory::getInstance().createUnique("none", std::make_unique<LoggingMutex>(log)),
                 IsNull());
     EXPECT_THAT(log, ElementsAre("gone"));
 }
 
-TEST(DeviceFactory, LeavesNoDescriptorOpen)
+TEST_F(DeviceFactory, LeavesNoDescriptorOpen)
 {
-    const Board board;
     std::filesystem::create_directory(board.file("directory"));
     board.write("device", wordsOf({1}));
     const int before = ::open("/dev/null", O_RDONLY | O_CLOEXEC);

@@ -3,7 +3,6 @@
 #include "SystemCalls.h"
 #include "TraceTest.h"
 
-#include <functional>
 #include <thread>
 #include <utility>
 

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace testsupport
 {

@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
 #include <unordered_map>
-#include <vector>
 
 namespace
 {

@@ -7,7 +7,6 @@
 #include <array>
 #include <climits>
 #include <cstring>
-#include <vector>
 
 namespace
 {

@@ -1,7 +1,7 @@
+#include "RunTestBase.h"
 #include "SimulatorTest.h"
 
 #include <chrono>
-#include <filesystem>
 #include <thread>
 
 #include <fcntl.h>
@@ -13,8 +13,6 @@ namespace
 {
 
 using namespace testing;
-
-constexpr const char* SetHint = "\nTry 'bsp-board set --help'.\n";
 
 /** Sets what a program would set, on board "b". */
 class Set : public SimulatorTest
@@ -28,7 +26,7 @@ protected:
     {
         const std::vector<std::string> before = everything();
         words.insert(words.begin(), {"set", "b"});
-        expectRefusal(std::move(words), "bsp-board: " + complaint + SetHint, 2);
+        SimulatorTest::expectMisuse(words, complaint);
         EXPECT_EQ(everything(), before);
     }
 };
@@ -72,8 +70,7 @@ TEST_F(SetSlot, FailsWhenTheBoardHasNoRoomForIt)
 {
     write("b/top.dtcm0", std::string(32768, 'x'));
     expectQuiet({"restart", "b", "warm"});
-    expectRefusal({"set", "b", "slot", "5"},
-                  "bsp-board: the board's warm area does not take a slot id\n", 1);
+    expectRefusal({"set", "b", "slot", "5"}, "the board's warm area does not take a slot id");
 }
 
 TEST_F(SetSlot, WaitsForRestartsOnly)
@@ -157,14 +154,11 @@ TEST_F(Set, WantsABoard)
     std::filesystem::create_directory_symlink("b", file("link"));
     for (const std::string key : {"slot", "RadiolinkMode"}) {
         const std::string value = key == "slot" ? "5" : "Rl5";
-        expectRefusal({"set", "no", key, value},
-                      "bsp-board: no board 'no': No such file or directory\n", 1);
-        expectRefusal({"set", "", key, value},
-                      "bsp-board: no board '': No such file or directory\n", 1);
+        expectRefusal({"set", "no", key, value}, "no board 'no': No such file or directory");
+        expectRefusal({"set", "", key, value}, "no board '': No such file or directory");
         expectRefusal({"set", "home", key, value},
-                      "bsp-board: no board 'home': there is nothing of a board in it\n", 1);
-        expectRefusal({"set", "link", key, value},
-                      "bsp-board: no board 'link': it is a symbolic link\n", 1);
+                      "no board 'home': there is nothing of a board in it");
+        expectRefusal({"set", "link", key, value}, "no board 'link': it is a symbolic link");
     }
     EXPECT_TRUE(entries("home").empty());
 }
@@ -173,7 +167,66 @@ TEST_F(Set, SaysThatTheStoreRefuses)
 {
     std::filesystem::create_directory(file("b/config.mdb"));
     expectRefusal({"set", "b", "RadiolinkMode", "Rl5"},
-                  "bsp-board: the store of 'b' does not take 'RadiolinkMode'\n", 1);
+                  "the store of 'b' does not take 'RadiolinkMode'");
 }
+
+struct Case
+{
+    const char* product;
+    const char* restart;
+    const char* slotId; /**< What is left of slot id 5. */
+};
+
+void PrintTo(const Case& parameter, std::ostream* stream)
+{
+    *stream << parameter.product << ' ' << parameter.restart;
+}
+
+/** A program on the board sets the slot id, another one asks for it after a restart. */
+class Slot : public SimulatorTest, public testing::WithParamInterface<Case>
+{
+protected:
+    std::string slot(const Words& arguments = {}) const
+    {
+        const testsupport::Outcome outcome = run(wordsToRun("b", BSP_TEST_SLOT_PROGRAM, arguments));
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0);
+        return outcome.out;
+    }
+};
+
+TEST_P(Slot, IsKeptOrLostByARestart)
+{
+    expectQuiet({"create", "b", "--product", GetParam().product});
+    EXPECT_EQ(slot(), "-1\n");
+    EXPECT_EQ(slot({"5"}), "5\n");
+    EXPECT_THAT(run({"show", "b"}).out, EndsWith("\nWarm area       1 of 32 blocks used\n"
+                                                 "Block 1         SLOT\n"
+                                                 "Slot id         5\n"));
+    EXPECT_TRUE(entries("b/shm").empty());
+    expectQuiet({"restart", "b", GetParam().restart});
+    EXPECT_EQ(run(wordsToRun("b", testsupport::tool("bsp").path, {"getSlotId"})),
+              testsupport::answer(std::string(GetParam().slotId) + '\n'));
+}
+
+std::string nameOf(const testing::TestParamInfo<Case>& info)
+{
+    return std::string(info.param.product) + '_' + info.param.restart;
+}
+
+INSTANTIATE_TEST_SUITE_P(ByRegister, Slot,
+                         testing::Values(Case{"NXU4A", "warm", "5"}, Case{"NXU4A", "watchdog", "5"},
+                                         Case{"NXU4A", "cold", "-1"}),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(ByMarker, Slot,
+                         testing::Values(Case{"KT4851_4", "warm", "5"},
+                                         Case{"KT4851_4", "watchdog", "5"},
+                                         Case{"KT4851_4", "cold", "-1"}),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Never, Slot,
+                         testing::Values(Case{"KT4766", "warm", "-1"},
+                                         Case{"KT4766", "watchdog", "-1"},
+                                         Case{"KT4766", "cold", "-1"}),
+                         nameOf);
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "OtherUser.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include <unistd.h>
 
@@ -31,7 +30,16 @@ void SimulatorTest::expectQuiet(Words words) const
 
 void SimulatorTest::expectRefusal(Words words, const std::string& complaint, int status) const
 {
-    EXPECT_EQ(run(std::move(words)), testsupport::refusal(complaint, status));
+    EXPECT_EQ(run(std::move(words)),
+              testsupport::refusal("bsp-board: " + complaint + '\n', status));
+}
+
+void SimulatorTest::expectMisuse(const Words& words, const std::string& complaint,
+                                 const std::optional<std::string>& command) const
+{
+    const std::string help = command.value_or(words.empty() ? "" : words.front());
+    expectRefusal(
+        words, complaint + "\nTry 'bsp-board " + help + (help.empty() ? "" : " ") + "--help'.", 2);
 }
 
 SimulatorTest::Words SimulatorTest::wordsToRun(const std::string& board, const std::string& program,

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,15 @@ protected:
     /** Runs it and expects that it succeeds without a word. */
     void expectQuiet(Words words) const;
 
-    /** Runs it and expects that it only complains. */
-    void expectRefusal(Words words, const std::string& complaint, int status) const;
+    /** Runs it and expects that it only complains, behind its name. */
+    void expectRefusal(Words words, const std::string& complaint, int status = 1) const;
+
+    /**
+     * Runs it and expects that it complains and tells where there is help.
+     * @param command  the one with that help, when that is not the first word; "" is the tool
+     */
+    void expectMisuse(const Words& words, const std::string& complaint,
+                      const std::optional<std::string>& command = std::nullopt) const;
 
     /** The words that run a program of this build on a board. */
     static Words wordsToRun(const std::string& board, const std::string& program,

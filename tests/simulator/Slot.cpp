@@ -4,7 +4,6 @@
  */
 #include "Bsp.h"
 
-#include <cstdlib>
 #include <iostream>
 
 int main(int argc, char* argv[])

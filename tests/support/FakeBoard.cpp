@@ -3,7 +3,6 @@
 #include "BaseBoard.h"
 
 #include <algorithm>
-#include <iterator>
 #include <mutex>
 #include <stdexcept>
 

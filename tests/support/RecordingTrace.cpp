@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstdarg>
-#include <cstdio>
 #include <map>
 #include <mutex>
 #include <thread>

@@ -9,7 +9,6 @@
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -8,10 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <map>
-#include <string>
-#include <vector>
 
 #include <fcntl.h>
 #include <pthread.h>

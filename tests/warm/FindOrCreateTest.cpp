@@ -2,8 +2,6 @@
 
 #include <cstddef>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include <pthread.h>
 

@@ -6,8 +6,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <string>
-#include <vector>
 
 namespace
 {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <locale>
-#include <string>
-#include <vector>
 
 namespace
 {

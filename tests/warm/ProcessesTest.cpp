@@ -6,7 +6,6 @@
 #include <array>
 #include <filesystem>
 #include <memory>
-#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>

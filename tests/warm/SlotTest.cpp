@@ -11,9 +11,7 @@
 #include <atomic>
 #include <cstring>
 #include <mutex>
-#include <string>
 #include <system_error>
-#include <vector>
 
 #include <pthread.h>
 

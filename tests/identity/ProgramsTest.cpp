@@ -1,11 +1,13 @@
+#include "Files.h"
 #include "Program.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace
 {
 
 using namespace testsupport;
+using testing::UnorderedElementsAre;
 
 Outcome run(std::vector<std::string> arguments)
 {
@@ -65,6 +67,27 @@ TEST(CProgram, HasNamesForTheValues)
                            "Ptp Rl5 Pt\n"
                            "Watchdog EndOfList EndOfList\n");
     EXPECT_EQ(outcome.status, 0);
+}
+
+std::vector<std::string> channelsOf(const char* path)
+{
+    testsupport::Program program{};
+    program.path = path;
+    return testsupport::linesOf(program.run().out);
+}
+
+TEST(StartOrder, InAProgramThatUsesOneFunction)
+{
+    EXPECT_THAT(channelsOf(BSP_TEST_START_ORDER_OF_ONE),
+                UnorderedElementsAre("bsp.core: streams yes, tables yes"));
+}
+
+TEST(StartOrder, InAProgramThatUsesAllChannels)
+{
+    EXPECT_THAT(channelsOf(BSP_TEST_START_ORDER_OF_ALL),
+                UnorderedElementsAre("bsp.core: streams yes, tables yes",
+                                     "Bsp.WarmDatabase: streams yes, tables yes",
+                                     "bsp.networking: streams yes, tables yes"));
 }
 
 } // namespace
