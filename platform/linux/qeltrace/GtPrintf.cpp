@@ -3,6 +3,7 @@
 #include "TraceChannel.h"
 #include "TraceOutput.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <optional>
@@ -21,9 +22,9 @@ std::optional<std::string> formatText(const char* format, va_list values)
         return std::nullopt;
     }
     std::string text(static_cast<std::size_t>(length), '\0');
-    if (std::vsnprintf(text.data(), text.size() + 1, format, values) != length) {
-        return std::nullopt;
-    }
+    const int written = std::vsnprintf(text.data(), text.size() + 1, format, values);
+    // Another thread may have changed a value meanwhile.
+    text.resize(static_cast<std::size_t>(std::clamp(written, 0, length)));
     return text;
 }
 

@@ -28,9 +28,9 @@ public:
     }
     ~BrokenPipeGuard()
     {
-        const timespec now{};
-        while (!m_wasPending && sigtimedwait(&m_brokenPipe, nullptr, &now) == -1 && errno == EINTR)
-        {
+        if (!m_wasPending) {
+            const timespec now{};
+            sigtimedwait(&m_brokenPipe, nullptr, &now);
         }
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
     }

@@ -39,17 +39,13 @@ bool appendToFile(const std::string& fileName, HvxTraceLevel level, const std::s
 /** Returns false when the line is lost. */
 bool put(const TraceSettings& settings, HvxTraceLevel level, const std::string& line)
 {
-    switch (settings.output()) {
-    case TraceSettings::Output::StandardError:
+    if (settings.output() == TraceSettings::Output::StandardError) {
         return writeToStandardError(line);
-    case TraceSettings::Output::File:
-        return appendToFile(settings.fileName(), level, line);
-    case TraceSettings::Output::Syslog:
-        return sendToSystemLog(level, line);
-    case TraceSettings::Output::None:
-        return true;
     }
-    return true;
+    if (settings.output() == TraceSettings::Output::File) {
+        return appendToFile(settings.fileName(), level, line);
+    }
+    return sendToSystemLog(level, line);
 }
 
 void tellOfLostLines(const TraceSettings& settings)

@@ -140,11 +140,9 @@ void RState::increment(IncrementType type)
                  os::bsp::nameOf(incrementTypeNames, static_cast<int>(type)));
     const bool verified = m_verification >= 1;
     switch (type) {
-    case IncrementType::Auto: {
-        int32_t& number = verified ? m_verification : m_minor;
-        number = next(number);
+    case IncrementType::Auto:
+        (verified ? m_verification : m_minor) = next(verified ? m_verification : m_minor);
         break;
-    }
     case IncrementType::Revision:
         m_verification = verified ? next(m_verification) : m_verification;
         break;
