@@ -139,6 +139,37 @@ TEST_F(KernelTemporaryFile, OneThatCannotBeLookedAtIsNotUsedAndLeavesNothing)
     std::filesystem::remove(TemporaryImage);
 }
 
+TEST_F(KernelTemporaryFile, OneOfItsOwnThatCannotBeEmptiedIsNotUsedAndStays)
+{
+    writeFile(TemporaryImage, "left behind");
+    hooks().ftruncate = [](int, off_t) { return fail(EIO); };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(testsupport::readFile(TemporaryImage), "left behind");
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    std::filesystem::remove(TemporaryImage);
+}
+
+TEST_F(KernelTemporaryFile, ANameThatCannotBeLookedAtEndsTheCall)
+{
+    writeFile(TemporaryImage, "left behind");
+    hooks().lstat = [](const char*, struct stat*) { return fail(EIO); };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    std::filesystem::remove(TemporaryImage);
+}
+
+TEST_F(KernelTemporaryFile, ANameThatIsGoneMeanwhileIsMadeAnew)
+{
+    writeFile(TemporaryImage, "left behind");
+    hooks().lstat = [looks = 0](const char* path, struct stat* status) mutable {
+        if (++looks == 1) {
+            std::filesystem::remove(path);
+        }
+        return real().lstat(path, status);
+    };
+    EXPECT_EQ(askAgain(), found("R1A01"));
+}
+
 TEST_F(KernelTemporaryFile, LockingItMayBeInterrupted)
 {
     int interruptions = 0;

@@ -131,6 +131,20 @@ TEST_F(TraceMemory, MayBeMissingForAChannel)
     EXPECT_THAT(texts(), ElementsAre(Text));
 }
 
+TEST_F(TraceMemory, OfAChannelIsNotTakenTwice)
+{
+    // As if another thread made the channel while this one does.
+    static std::optional<HvxTrace> other;
+    testsupport::observeAllocations([](std::size_t) {
+        testsupport::observeAllocations(nullptr);
+        other.emplace(Name, 3);
+    });
+    const HvxTrace channel(Name, 3);
+    testsupport::observeAllocations(nullptr);
+    ASSERT_TRUE(other);
+    EXPECT_EQ(channel.m_state, other->m_state);
+}
+
 TEST_F(TraceMemory, MayBeMissingForTheSystemLogAndForStandardError)
 {
     for (const char* output : {"syslog", "stderr"}) {

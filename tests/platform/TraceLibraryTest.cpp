@@ -39,6 +39,30 @@ TEST_F(TraceLibrary, PutsAMessageTogetherFromItsPieces)
     EXPECT_THAT(texts(), ElementsAre("ENTER name(fd=7)"));
 }
 
+TEST_F(TraceLibrary, KeepsTheMessagesOfTwoChannelsApart)
+{
+    HvxTrace outer("outer", 3);
+    HvxTrace inner("inner", 3);
+    outer.beginLogMsg(1, Header);
+    outer.logMsgData('a');
+    inner.beginLogMsg(1, Header);
+    inner.logMsgData('x');
+    outer.logMsgData('b');
+    inner.logMsgData('y');
+    outer.endLogMsg();
+    inner.endLogMsg();
+    EXPECT_THAT(texts(), ElementsAre("ab", "xy"));
+}
+
+TEST_F(TraceLibrary, DropsWhatCannotBeFormatted)
+{
+    GT_TraceRecord record{TraceRecordStartLevel, "record"};
+    const wchar_t noCharacter[] = {static_cast<wchar_t>(0x7FFFFFFF), 0};
+    GT_printf2(&record, 1, &Header, "%ls", noCharacter);
+    GT_printf2(&record, 1, &Header, "next");
+    EXPECT_THAT(texts(), ElementsAre("next"));
+}
+
 TEST_F(TraceLibrary, FormatsAsPrintf)
 {
     GT_TraceRecord record{TraceRecordStartLevel, "record"};

@@ -38,6 +38,7 @@ struct z_stream_s;
     CALL(clock_gettime, clock_gettime, int, (clockid_t clock, timespec* time), (clock, time)) \
     CALL(close, close, int, (int fd), (fd)) \
     CALL(connect, connect, int, (int fd, const sockaddr* address, socklen_t size), (fd, address, size)) \
+    CALL(fchmod, fchmod, int, (int fd, mode_t mode), (fd, mode)) \
     CALL(fchown, fchown, int, (int fd, uid_t owner, gid_t group), (fd, owner, group)) \
     CALL(fcntl, fcntl64, int, (int fd, int command, void* argument), (fd, command, argument)) \
     CALL(fdopen, fdopen, std::FILE*, (int fd, const char* mode), (fd, mode)) \
@@ -57,6 +58,7 @@ struct z_stream_s;
     CALL(linkat, linkat, int, (int fromDirectory, const char* from, int toDirectory, const char* to, int flags), \
          (fromDirectory, from, toDirectory, to, flags)) \
     CALL(lseek, lseek64, off_t, (int fd, off_t offset, int whence), (fd, offset, whence)) \
+    CALL(lstat, lstat64, int, (const char* path, struct stat* status), (path, status)) \
     CALL(mmap, mmap64, void*, (void* address, std::size_t size, int protection, int flags, int fd, off_t offset), \
          (address, size, protection, flags, fd, offset)) \
     CALL(munmap, munmap, int, (void* address, std::size_t size), (address, size)) \
@@ -64,6 +66,8 @@ struct z_stream_s;
     CALL(open, open64, int, (const char* path, int flags, mode_t mode), (path, flags, mode)) \
     CALL(openat, openat64, int, (int directory, const char* path, int flags, mode_t mode), \
          (directory, path, flags, mode)) \
+    CALL(pread, pread64, ssize_t, (int fd, void* buffer, std::size_t size, off_t offset), \
+         (fd, buffer, size, offset)) \
     CALL(pthread_mutex_init, pthread_mutex_init, int, \
          (pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes), (mutex, attributes)) \
     CALL(pthread_once, pthread_once, int, (pthread_once_t* once, void (*function)()), (once, function)) \
@@ -80,10 +84,12 @@ struct z_stream_s;
     CALL(sem_wait, sem_wait, int, (sem_t* semaphore), (semaphore)) \
     CALL(shm_open, shm_open, int, (const char* name, int flags, mode_t mode), (name, flags, mode)) \
     CALL(shm_unlink, shm_unlink, int, (const char* name), (name)) \
+    CALL(stat, stat64, int, (const char* path, struct stat* status), (path, status)) \
     CALL(statvfs, statvfs64, int, (const char* path, struct statvfs* status), (path, status)) \
     CALL(steadyNow, _ZNSt6chrono3_V212steady_clock3nowEv, std::chrono::steady_clock::time_point, (), ()) \
     CALL(sysinfo, sysinfo, int, (struct sysinfo* machine), (machine)) \
     CALL(unlink, unlink, int, (const char* path), (path)) \
+    CALL(unlinkat, unlinkat, int, (int directory, const char* path, int flags), (directory, path, flags)) \
     CALL(write, write, ssize_t, (int fd, const void* data, std::size_t size), (fd, data, size))
 // clang-format on
 

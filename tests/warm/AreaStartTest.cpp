@@ -143,6 +143,18 @@ TEST_P(StartWithoutStream, DoesNotTakeItsNumberForTheMutexesOfOthers)
     EXPECT_THAT(start(), ElementsAre(Gt(STDERR_FILENO)));
 }
 
+TEST_P(StartWithoutStream, TakesItsNumberWhereThereIsNoOther)
+{
+    warmboard::useNxu4(warmboard::Warm);
+    systemcalls::hooks().fcntl = [](int fd, int command, void* argument) {
+        const auto first = reinterpret_cast<std::intptr_t>(argument);
+        return command == F_DUPFD_CLOEXEC && first == STDERR_FILENO + 1
+                   ? systemcalls::fail(EMFILE)
+                   : systemcalls::real().fcntl(fd, command, argument);
+    };
+    EXPECT_THAT(start(), ElementsAre(GetParam()));
+}
+
 INSTANTIATE_TEST_SUITE_P(All, StartWithoutStream,
                          Values(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO));
 
