@@ -15,6 +15,7 @@ namespace os::bsp
 struct Product
 {
     /** No column has a default: who adds a product thinks of each. */
+    // not counted: the compiler runs it
     constexpr Product(ProductId ofId, std::optional<int> ofCode,
                       std::optional<unsigned int> ofChannels)
         : id(ofId), code(ofCode), channels(ofChannels)
@@ -49,6 +50,7 @@ inline constexpr Product products[] = {
 };
 
 /** Whether the table has a row for each product, and no product code twice. */
+// not counted: the compiler runs it
 constexpr bool areProductsComplete()
 {
     int expected = 0;

@@ -44,6 +44,7 @@ constexpr Name stateNames[] = {
 };
 
 /** Whether there is a row with a text for each number, in their order. */
+// not counted: the compiler runs it
 template <std::size_t Size> constexpr bool isComplete(const Name (&names)[Size], std::size_t count)
 {
     for (std::size_t i = 0; i < Size; ++i) {

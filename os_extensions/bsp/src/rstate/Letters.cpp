@@ -27,6 +27,7 @@ constexpr std::array<std::int32_t, MaxLetters + 1> firstMinors{
 /** For each letter from A to Z the index of the first one of an alphabet that is not before it. */
 using Indexes = std::array<std::uint8_t, 'Z' - 'A' + 1>;
 
+// not counted: the compiler runs it
 constexpr Indexes indexesOf(std::string_view alphabet)
 {
     Indexes indexes{};
