@@ -1,6 +1,7 @@
 #include "FakeBoard.h"
 
 #include "BaseBoard.h"
+#include "PlatformScope.h"
 
 #include <algorithm>
 #include <mutex>
@@ -107,6 +108,7 @@ int e2prom_data_read(int device, int area, uint8_t* buffer)
     if (eeprom.onRead) {
         eeprom.onRead();
     }
+    const testsupport::PlatformScope scope;
     std::copy(eeprom.bytes.begin(), eeprom.bytes.end(), buffer);
     return eeprom.result;
 }
@@ -118,6 +120,7 @@ const std::vector<NxuHwVariant> hwVariants FAKEBOARD_EARLY = fakeboard::startTab
 
 bool operator==(const NxuHwVariant& variant, const NxuHwCode& code)
 {
+    const testsupport::PlatformScope scope;
     return fakeboard::equality()(variant, code);
 }
 
@@ -158,6 +161,7 @@ NxuConfig::~NxuConfig()
 std::string NxuConfig::get(const std::string& key) const
 {
     fakeboard::use();
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::mutex> guard(fakeboard::storeMutex());
     const auto found = fakeboard::store().values.find(key);
     return found == fakeboard::store().values.end() ? value::Empty : found->second;
@@ -166,6 +170,7 @@ std::string NxuConfig::get(const std::string& key) const
 bool NxuConfig::set(const std::string& key, const std::string& value)
 {
     fakeboard::use();
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::mutex> guard(fakeboard::storeMutex());
     fakeboard::store().calls.push_back("set " + key + ' ' + value);
     if (!fakeboard::store().refuses) {
@@ -177,6 +182,7 @@ bool NxuConfig::set(const std::string& key, const std::string& value)
 bool NxuConfig::clear(const std::string& key)
 {
     fakeboard::use();
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::mutex> guard(fakeboard::storeMutex());
     fakeboard::store().calls.push_back("clear " + key);
     if (!fakeboard::store().refuses) {

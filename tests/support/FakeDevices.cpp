@@ -1,6 +1,7 @@
 #include "FakeDevices.h"
 
 #include "DDevIo.h"
+#include "PlatformScope.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -76,6 +77,7 @@ int DDevIo_open(const char* name)
     if (dtcm.onOpen) {
         dtcm.onOpen();
     }
+    const testsupport::PlatformScope scope;
     dtcm.calls.push_back("open " + std::string(name));
     switch (dtcm.kind) {
     case Dtcm::Mappable:
@@ -103,6 +105,7 @@ int DDevIo_getFileDescriptor(int handle)
 
 int DDevIo_close(int handle)
 {
+    const testsupport::PlatformScope scope;
     fakedevices::dtcm().calls.push_back("close " + std::to_string(handle));
     ::close(fakedevices::openFd);
     errno = fakedevices::CarelessErrno;
@@ -126,6 +129,7 @@ void PthreadMutex::unlock() {}
 
 Factory& Factory::getInstance()
 {
+    const testsupport::PlatformScope scope;
     static Factory& instance = *new Factory;
     return instance;
 }
@@ -137,6 +141,7 @@ std::unique_ptr<IDevice> Factory::createUnique(const std::string& name,
     if (control.onCreate) {
         control.onCreate();
     }
+    const testsupport::PlatformScope scope;
     control.name = name;
     if (dynamic_cast<PthreadMutex*>(mutex.get()) == nullptr) {
         control.mutexType = -1;

@@ -1,5 +1,7 @@
 #include "RecordingTrace.h"
 
+#include "PlatformScope.h"
+
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -155,6 +157,7 @@ HvxTrace::~HvxTrace() = default;
 
 void HvxTrace::beginLogMsg(HvxTraceLevel level, const HvxTraceHeader& header)
 {
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     auto& open = recorder().open[std::this_thread::get_id()];
     for (const auto& message : open) {
@@ -166,6 +169,7 @@ void HvxTrace::beginLogMsg(HvxTraceLevel level, const HvxTraceHeader& header)
 
 void HvxTrace::logMsgData(const char* data, unsigned int length)
 {
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     auto& open = recorder().open[std::this_thread::get_id()];
     ASSERT_FALSE(open.empty()) << "data outside a message";
@@ -180,6 +184,7 @@ void HvxTrace::logMsgData(char character)
 
 void HvxTrace::endLogMsg()
 {
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     auto& open = recorder().open[std::this_thread::get_id()];
     ASSERT_FALSE(open.empty()) << "the end of no message";
@@ -192,6 +197,7 @@ void HvxTrace::endLogMsg()
 void GT_printf2(GT_TraceRecord* record, HvxTraceLevel level, const HvxTraceHeader* header,
                 const char* format, ...)
 {
+    const testsupport::PlatformScope scope;
     const std::lock_guard<std::recursive_mutex> guard(recorder().mutex);
     recorder().records[record->name] = record;
     __atomic_store_n(&record->level, recorder().levelOf(record->name), __ATOMIC_RELAXED);
