@@ -1,6 +1,6 @@
 #include "FailureRows.h"
 
-#include "FaultyProcess.h"
+#include "WaitingProcess.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -387,7 +387,7 @@ const std::vector<std::string> WithoutLock{
 /** A failure after which the semaphore stays at 0: whoever takes it waits for ever. */
 std::vector<FailureRow> withoutDecision(const FailureRow& row)
 {
-    std::vector<FailureRow> rows{row, withEnd(row, Waits)};
+    std::vector<FailureRow> rows{row, withEnd(row, testsupport::WaitsForEver)};
     rows[0].cases = WithoutLock;
     rows[1].cases = AllWarm;
     return rows;

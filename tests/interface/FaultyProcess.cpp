@@ -4,26 +4,21 @@
 #include "FakeDevices.h"
 #include "Files.h"
 #include "PlatformScope.h"
+#include "WaitingProcess.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace interface
@@ -153,32 +148,6 @@ long openFiles()
     std::exit(0); // NOLINT(concurrency-mt-unsafe): a process of one thread
 }
 
-/** Whether the process waits for another one, without an end: nobody else is there. */
-bool isWaitingForEver(pid_t process)
-{
-    std::ifstream file("/proc/" + std::to_string(process) + "/syscall");
-    long number = -1;
-    std::string word;
-    std::string timeout;
-    file >> number >> word >> word >> word >> timeout;
-    return number == SYS_futex && timeout == "0x0";
-}
-
-/** Its status, as in Outcome. */
-int waitForEnd(pid_t process)
-{
-    int status = 0;
-    for (int times = 0; ::waitpid(process, &status, WNOHANG) == 0; ++times) {
-        if (isWaitingForEver(process)) {
-            ::kill(process, SIGKILL);
-            ::waitpid(process, &status, 0);
-            return Waits;
-        }
-        std::this_thread::sleep_for(std::chrono::microseconds(times < 20 ? 100 : 2000));
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
 std::vector<std::string> linesOf(const std::string& text)
 {
     std::vector<std::string> lines;
@@ -216,7 +185,7 @@ Outcome perform(const Case& what, const std::optional<Fault>& fault)
     if (process == 0) {
         runCase(what, fault);
     }
-    const int status = waitForEnd(process);
+    const int status = testsupport::endOf(process);
     return {report.record,
             report.answer.text(),
             report.next.text(),

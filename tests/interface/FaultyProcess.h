@@ -35,13 +35,11 @@ struct Outcome
     std::string next; /**< The second answer. */
     int error;        /**< errno after the first. */
     long openFiles;   /**< More than before. */
-    int status;       /**< Exit status; 128 + N after signal N; Waits when it would for ever. */
+    int status;       /**< As testsupport::endOf says. */
     std::string err;
     std::vector<std::string> messages; /**< Of the first time, as "CHANNEL LEVEL TEXT". */
     std::vector<std::string> left;     /**< Names, after its end. */
 };
-
-constexpr int Waits = -1;
 
 /** Keeps a message for the outcome. */
 void keepMessage(const recordingtrace::Message& message);

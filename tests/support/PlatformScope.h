@@ -4,7 +4,8 @@
 namespace testsupport
 {
 
-/** A call of one of the platforms for tests: what it allocates, opens and so on is not the layer's. */
+/** A call of one of the platforms for tests: what it allocates, opens and so on is not the layer's.
+ */
 class PlatformScope
 {
 public:
