@@ -9,6 +9,7 @@
 
 #include <sched.h>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/types.h>
 #include <sys/user.h>
 #include <sys/wait.h>
@@ -60,14 +61,14 @@ public:
 
     bool isThere() const { return m_isThere; }
 
-    /** Whether the next instruction is a system call. */
+    /** Whether the next instruction is a system call, but for those of the heap. */
     bool isAtSystemCall() const
     {
         constexpr long SyscallInstruction = 0x050F;
-        const long place =
-            ::ptrace(PTRACE_PEEKUSER, m_process, offsetof(user_regs_struct, rip), nullptr);
+        const long place = registerAt(offsetof(user_regs_struct, rip));
         return (::ptrace(PTRACE_PEEKTEXT, m_process, place, nullptr) & 0xFFFF) ==
-               SyscallInstruction;
+                   SyscallInstruction &&
+               registerAt(offsetof(user_regs_struct, rax)) != SYS_brk;
     }
 
     void step()
@@ -76,14 +77,14 @@ public:
         wait();
     }
 
-    /** Goes on until the next system call is done. */
+    /** Goes on until the next system call is done, but for those of the heap. */
     void passSystemCall()
     {
-        for (const char* side : {"before", "behind"}) {
-            request(PTRACE_SYSCALL, 0);
-            if (wait() != (SIGTRAP | 0x80)) {
-                throw std::runtime_error(std::string("no system call, ") + side);
-            }
+        bool isOfHeap = true;
+        while (isOfHeap) {
+            goToSystemCall();
+            isOfHeap = registerAt(offsetof(user_regs_struct, orig_rax)) == SYS_brk;
+            goToSystemCall();
         }
     }
 
@@ -97,6 +98,20 @@ private:
         ::raise(SIGSTOP);
         work.work();
         ::_exit(0);
+    }
+
+    long registerAt(std::size_t offset) const
+    {
+        return ::ptrace(PTRACE_PEEKUSER, m_process, offset, nullptr);
+    }
+
+    /** Goes on to the next beginning or end of a system call. */
+    void goToSystemCall()
+    {
+        request(PTRACE_SYSCALL, 0);
+        if (wait() != (SIGTRAP | 0x80)) {
+            throw std::runtime_error("it makes fewer system calls than before");
+        }
     }
 
     void request(__ptrace_request what, long argument) const

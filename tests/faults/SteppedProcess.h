@@ -18,7 +18,10 @@ struct Work
     std::function<void()> work;   /**< When it returns the process ends at once. */
 };
 
-/** Called before the first and behind each instruction, with whether that was a system call. */
+/**
+ * Called before the first and behind each instruction, with whether that was a system call. Those
+ * of the heap do not count: whether there are any depends on what the process has inherited.
+ */
 using Look = std::function<void(bool isSystemCall)>;
 
 /** Runs a process to its end. @return the number of instructions of its work */

@@ -129,6 +129,10 @@ long openFiles()
     if (what.prepare != nullptr) {
         what.prepare();
     }
+    if (what.isRepeated) {
+        Answer ignored;
+        answerTo(what.perform, ignored);
+    }
     if (what.isEnd) {
         what.perform(report.answer);
         report.messagesSize = 0;

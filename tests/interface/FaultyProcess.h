@@ -25,6 +25,7 @@ struct Case
     std::vector<interposed::Broken> broken{}; /**< What fails whatever else does. */
     bool isEnd = false;                       /**< What the process calls at its end is meant. */
     const char* only = nullptr;               /**< The only function that fails, if not all do. */
+    bool isRepeated = false;                  /**< Another call, not looked at, comes first. */
 };
 
 /** What a process did that performed a case, and then once more without the fault. */

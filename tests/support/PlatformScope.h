@@ -4,8 +4,7 @@
 namespace testsupport
 {
 
-/** A call of one of the platforms for tests: what it allocates, opens and so on is not the layer's.
- */
+/** A call of a platform for tests: what it allocates, opens and so on is not the layer's. */
 class PlatformScope
 {
 public:
