@@ -1,6 +1,7 @@
 #include "FirmwareImages.h"
 
 #include <algorithm>
+#include <random>
 #include <stdexcept>
 
 #include <zlib.h>

@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 namespace
 {
 

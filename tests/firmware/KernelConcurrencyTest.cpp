@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <random>
 #include <thread>
 
 #include <sys/wait.h>

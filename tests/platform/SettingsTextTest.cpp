@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
 #include <stdexcept>
 
 namespace

@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
