@@ -178,30 +178,4 @@ TEST_F(Capsule, IsMadeForItsOwnerInAPlaceThatIsFree)
     EXPECT_EQ(outcome.status, 1);
 }
 
-TEST_F(Capsule, IsRefusedWhenItIsNone)
-{
-    const auto refusal = [this](const std::string& text) {
-        testsupport::writeFile(capsule(), text);
-        const Outcome outcome =
-            tool("bsp-board", {"create", file("copy"), "--capsule", capsule()}).run();
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_FALSE(fs::exists(file("copy")));
-        return outcome.err;
-    };
-    const std::string start = "bsp-board: cannot use '" + capsule() + "': it is no capsule";
-    EXPECT_THAT(refusal("nothing"), StartsWith(start + ": "));
-    EXPECT_EQ(refusal(R"({"schema": "bsp-diag/2", "kind": "capsule"})"),
-              start + " of bsp-diag/1\n");
-    fs::remove(capsule());
-    capture();
-    const std::string whole = testsupport::readFile(capsule());
-    const std::string code = "4100000001000100";
-    EXPECT_THAT(
-        refusal(std::regex_replace(whole, std::regex("\"eeprom\": \"" + code), "\"eeprom\": \"41")),
-        HasSubstr("the EEPROM has 1 bytes instead of 8"));
-    EXPECT_THAT(
-        refusal(std::regex_replace(whole, std::regex("\"eeprom\": \"41"), "\"eeprom\": \"4x")),
-        HasSubstr("'4x' is no byte"));
-}
-
 } // namespace

@@ -2,10 +2,12 @@
 
 #include "Hardware.h"
 #include "HardwareCode.h"
+#include "Text.h"
 #include "WarmLayout.h"
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <stdexcept>
 
 namespace capsule
@@ -62,23 +64,38 @@ std::string bytesOf(const std::string& hex)
         unsigned char value = 0;
         const auto result = std::from_chars(hex.data() + i, end, value, hexadecimal);
         if (result.ec != std::errc() || result.ptr != hex.data() + i + 2) {
-            throw std::runtime_error("'" + hex.substr(i, 2) + "' is no byte");
+            throw std::runtime_error("'" + printable(hex.substr(i, 2)) + "' is no byte");
         }
         bytes.push_back(static_cast<char>(value));
     }
     return bytes;
 }
 
-template <typename Value> Reading<Value> readingOf(const Json& json)
+constexpr std::uint64_t MaxSemaphoreValue = std::numeric_limits<int>::max();
+
+/** The library would cut a number of another kind, without a word. */
+template <typename Number>
+Number numberOf(const Json& json, std::uint64_t most = std::numeric_limits<Number>::max())
 {
+    if (!json.is_number_unsigned() || json.get<std::uint64_t>() > most) {
+        throw std::runtime_error(json.dump() + " is no number from 0 to " + std::to_string(most));
+    }
+    return json.get<Number>();
+}
+
+Reading<std::uint32_t>
+numberReadingOf(const Json& json, std::uint64_t most = std::numeric_limits<std::uint32_t>::max())
+{
+    using Number = Reading<std::uint32_t>;
     const std::string reason = facts::reasonOf(json);
-    return reason.empty() ? Reading<Value>(json.get<Value>()) : Reading<Value>::unknown(reason);
+    return reason.empty() ? Number(numberOf<std::uint32_t>(json, most)) : Number::unknown(reason);
 }
 
 Reading<std::string> bytesReadingOf(const Json& json)
 {
-    const auto hex = readingOf<std::string>(json);
-    return hex.isKnown() ? Reading<std::string>(bytesOf(*hex)) : hex;
+    using Bytes = Reading<std::string>;
+    const std::string reason = facts::reasonOf(json);
+    return reason.empty() ? Bytes(bytesOf(json.get<std::string>())) : Bytes::unknown(reason);
 }
 
 Reading<std::string> textReadingOf(const Json& json)
@@ -121,7 +138,7 @@ Contents parseContents(const Json& json)
     requireSize(contents.eeprom, hardware::HardwareCodeSize, "the EEPROM");
     parseWarmArea(json.at("warmArea"), contents);
     requireSize(contents.warmArea, AreaSize, "the warm area");
-    contents.resetCause = readingOf<std::uint32_t>(json.at("resetCause"));
+    contents.resetCause = numberReadingOf(json.at("resetCause"));
     contents.coldMarker = json.at("coldMarker").get<bool>();
     contents.settings = textReadingOf(json.at("settings"));
     for (const auto& [name, led] : json.at("leds").items()) {
@@ -129,14 +146,32 @@ Contents parseContents(const Json& json)
             {name, textReadingOf(led.at("trigger")), textReadingOf(led.at("state"))});
     }
     for (const Json& file : json.at("sharedMemory")) {
-        contents.sharedFiles.push_back(
-            {file.at("name"), file.at("size"), file.at("mode"), file.at("user")});
+        contents.sharedFiles.push_back({file.at("name"), numberOf<std::uint64_t>(file.at("size")),
+                                        numberOf<unsigned int>(file.at("mode")),
+                                        numberOf<unsigned int>(file.at("user"))});
     }
-    contents.semaphore = readingOf<std::uint32_t>(json.at("semaphore"));
+    contents.semaphore = numberReadingOf(json.at("semaphore"), MaxSemaphoreValue);
     for (const Json& mutex : json.at("heldMutexes")) {
         contents.heldMutexes.push_back(mutex);
     }
     return contents;
+}
+
+/**
+ * The document, unless it is deeper or has more entries than any capsule: what the library makes
+ * of such a one takes it very long.
+ */
+Json documentOf(const std::string& text)
+{
+    constexpr int deepest = 8;
+    constexpr unsigned int most = 10000;
+    unsigned int entries = 0;
+    return Json::parse(text, [&](int depth, Json::parse_event_t /*event*/, const Json& /*entry*/) {
+        if (depth > deepest || ++entries > most) {
+            throw std::runtime_error("it is no capsule: it has too many entries");
+        }
+        return true;
+    });
 }
 
 } // namespace
@@ -172,13 +207,13 @@ Json jsonOf(const Contents& contents)
 Contents parse(const std::string& text)
 {
     try {
-        const Json document = Json::parse(text);
+        const Json document = documentOf(text);
         if (document.at("schema") != facts::Schema || document.at("kind") != "capsule") {
             throw std::runtime_error(std::string("it is no capsule of ") + facts::Schema);
         }
         return parseContents(document.at("contents"));
     } catch (const Json::exception& error) {
-        throw std::runtime_error(std::string("it is no capsule: ") + error.what());
+        throw std::runtime_error("it is no capsule: " + printable(error.what()));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "board/CapsuleBoard.h"
 
+#include "Led.h"
 #include "WarmArea.h"
 #include "WarmLayout.h"
 #include "board/Board.h"
@@ -105,19 +106,30 @@ Directory need(const Directory& board, const char* entry)
     return std::move(*directory);
 }
 
+bool isLed(const std::string& name)
+{
+    for (unsigned int led = 0; led < NoOfLeds; ++led) {
+        if (name == Led_objectToName(led)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void putLeds(const Directory& board, const std::vector<capsule::Led>& states, Remarks& remarks)
 {
     const Directory leds = need(board, entry::Leds);
     for (const capsule::Led& state : states) {
-        const std::optional<Directory> led = leds.find(state.name);
-        if (!led) {
-            remarks.push_back("LED " + state.name + ": there is none of that name");
+        const std::string what = "LED " + state.name;
+        // A name becomes a path, so only those that boards have do.
+        if (!isLed(state.name)) {
+            remarks.push_back(what + ": there is none of that name");
             continue;
         }
-        const std::string what = "LED " + state.name;
-        putIfKnown(*led, hardware::LedTriggerFile, state.trigger,
+        const Directory led = need(leds, state.name.c_str());
+        putIfKnown(led, hardware::LedTriggerFile, state.trigger,
                    state.trigger.isKnown() ? *state.trigger : "", what.c_str(), remarks);
-        putIfKnown(*led, hardware::LedStateFile, state.state,
+        putIfKnown(led, hardware::LedStateFile, state.state,
                    state.state.isKnown() ? *state.state : "", what.c_str(), remarks);
     }
 }

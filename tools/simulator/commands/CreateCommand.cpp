@@ -3,6 +3,7 @@
 #include "Hardware.h"
 #include "HardwareCode.h"
 #include "Products.h"
+#include "Text.h"
 #include "board/BoardState.h"
 #include "board/CapsuleBoard.h"
 #include "board/Files.h"
@@ -93,7 +94,11 @@ capsule::Contents readCapsule(const std::string& path)
 {
     try {
         constexpr std::size_t most = 16UL * 1024 * 1024;
-        return capsule::parse(files::readStart(path, most));
+        const std::string text = files::readStart(path, most + 1);
+        if (text.size() > most) {
+            throw std::runtime_error("it has more than " + std::to_string(most) + " bytes");
+        }
+        return capsule::parse(text);
     } catch (const Failure&) {
         throw;
     } catch (const std::runtime_error& error) {
@@ -109,7 +114,7 @@ void create(const CreateArguments& options, const CLI::App& command)
     }
     requireOneChoice(command);
     for (const std::string& what : createBoardOf(options.directory, readCapsule(options.capsule))) {
-        std::cout << "not carried over: " << what << '\n';
+        std::cout << "not carried over: " << printable(what) << '\n';
     }
 }
 
