@@ -14,7 +14,7 @@ struct EepromAnswer
     std::array<std::uint8_t, 8> code{};
 };
 
-/** The answer; the process reads the EEPROM once where the library lets itself be watched. */
+/** The answer that the layer got; the process reads the EEPROM once. */
 const EepromAnswer& eepromAnswer();
 
 /** The code's bytes. */

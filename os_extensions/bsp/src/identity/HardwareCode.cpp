@@ -1,11 +1,11 @@
 #include "identity/HardwareCode.h"
 
-#include "BaseBoard.h"
 #include "Bsp.h"
 #include "BspTrace.h"
 #include "Hardware.h"
 #include "HvxMessage.h"
 #include "Products.h"
+#include "identity/Eeprom.h"
 
 #include <algorithm>
 #include <array>
@@ -25,8 +25,7 @@ const NxuHwCode& hwCode()
     std::call_once(once, [] {
         // A failing read may have written some bytes, so it does not get the code itself.
         std::array<std::uint8_t, hardware::HardwareCodeSize> buffer{};
-        const int result =
-            e2prom_data_read(hardware::BaseBoardEeprom, hardware::HardwareCodeArea, buffer.data());
+        const int result = Bsp_readHardwareCode(buffer.data());
         if (result != 0) {
             TRACE_MESSAGE(bspTrace, trace::Error, "e2prom_data_read() failed. Returned " << result);
             return;

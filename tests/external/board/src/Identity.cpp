@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 
 #ifndef SAMPLE_BOARD
 #error "the board's own header was not found first"
@@ -14,6 +15,12 @@
 bool sample_eeprom(unsigned int offset, uint8_t* to, unsigned int size)
 {
     constexpr std::array<uint8_t, 8> code{0, 1, 2, 0, 0, 2, 0, 7};
+    // Reading it takes long on this board.
+    static bool wasRead = false;
+    if (wasRead) {
+        std::fputs("the EEPROM is read again\n", stderr);
+    }
+    wasRead = true;
     if (offset + size > code.size()) {
         return false;
     }
