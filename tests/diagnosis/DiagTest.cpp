@@ -57,6 +57,13 @@ void StoreUser::kill()
     }
 }
 
+void StoreUser::killUnnoticed() const
+{
+    ::kill(m_process, SIGKILL);
+    siginfo_t end{};
+    ::waitid(P_PID, static_cast<id_t>(m_process), &end, WEXITED | WNOWAIT);
+}
+
 void StoreUser::end()
 {
     wait();

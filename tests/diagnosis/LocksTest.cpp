@@ -4,8 +4,6 @@
 #include <chrono>
 #include <thread>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,8 +13,6 @@ namespace
 namespace fs = std::filesystem;
 using namespace testing;
 
-constexpr const char* KernelImage = "/dev/shm/zImage_tmp";
-const std::string Names = "of user 0, last changed TIME";
 const std::string EndAndRepair = ". Cure: end the programs that use the store, then: "
                                  "bsp-diag repair --yes DtcmDbSharedSem DtcmSync";
 
@@ -284,54 +280,6 @@ TEST_F(Locks, CreatesNothing)
     EXPECT_EQ(diag({"check"}).run().status, 1);
     EXPECT_FALSE(fs::exists(board()));
     EXPECT_TRUE(fs::is_empty("/dev/shm"));
-}
-
-class KernelImageFile : public DiagTest
-{
-protected:
-    /** Nobody takes so long to lock a file that he has made. */
-    static void waitSomeSeconds() { std::this_thread::sleep_for(std::chrono::seconds(3)); }
-};
-
-TEST_F(KernelImageFile, IsNamedWhenItWasLeftBehind)
-{
-    if (const std::string reason = noOtherUser(); !reason.empty()) {
-        GTEST_SKIP() << reason;
-    }
-    testsupport::writeFile(KernelImage, "image");
-    waitSomeSeconds();
-    EXPECT_THAT(findings(),
-                ElementsAre("kernel-image-left: the temporary image of a kernel query was left "
-                            "behind. Evidence: /dev/shm/zImage_tmp, " +
-                            Names +
-                            ", 5 bytes, locked by nobody. Follows: it takes memory; the next query "
-                            "of its user, or of root, removes it. Cure: bsp-diag repair --yes "
-                            "zImage_tmp"));
-    EXPECT_THAT(namesIn(findings(diagOfOrdinaryUser({"check"}))),
-                IsSupersetOf({"kernel-image-left", "kernel-image-foreign"}));
-}
-
-TEST_F(KernelImageFile, IsNoFindingWhileAQueryWorksOnIt)
-{
-    testsupport::writeFile(KernelImage, "image");
-    const int fd = ::open(KernelImage, O_RDWR | O_CLOEXEC);
-    ASSERT_EQ(::flock(fd, LOCK_EX), 0);
-    waitSomeSeconds();
-    EXPECT_THAT(findings(), IsEmpty());
-    const testsupport::Outcome outcome = diag({"repair", "--yes", "zImage_tmp"}).run();
-    EXPECT_THAT(normal(outcome.out), StartsWith("zImage_tmp: kept, used by PROCESS (N, since "));
-    EXPECT_EQ(outcome.status, 1);
-    ::close(fd);
-}
-
-TEST_F(KernelImageFile, IsNamedWhenItIsALink)
-{
-    fs::create_symlink("/etc/passwd", KernelImage);
-    const Words lines = findings();
-    EXPECT_THAT(namesIn(lines), ElementsAre("kernel-image-link"));
-    EXPECT_THAT(lines.at(0), HasSubstr(Names + " is a symbolic link. Follows: getKernelRState "
-                                               "fails for everybody (-1, \"Unknown r-state\"). "
-                                               "Cure: remove /dev/shm/zImage_tmp"));
 }
 
 } // namespace

@@ -9,6 +9,7 @@
  * lock NAME          the same, and locks the mutex of its block
  * slot NUMBER        sets the slot id
  * lockslot           locks the mutex of the slot id
+ * leave              ends the first thread, so that another one waits
  */
 #include "Bsp.h"
 #include "WarmDatabase.h"
@@ -17,7 +18,9 @@
 #include <iostream>
 #include <mutex>
 #include <string>
+#include <thread>
 
+#include <pthread.h>
 #include <unistd.h>
 
 namespace
@@ -43,6 +46,14 @@ void lockSlot()
     ::pthread_mutex_lock(&static_cast<os::bsp::dtcm::SlotObject*>(object)->mutex);
 }
 
+void waitForEndOfInput()
+{
+    std::cout << "ready" << std::endl;
+    char byte = 0;
+    while (::read(STDIN_FILENO, &byte, 1) > 0) {
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -61,13 +72,16 @@ int main(int argc, char* argv[])
             Bsp_setSlotId(std::atoi(argv[++i]));
         } else if (word == "lockslot") {
             lockSlot();
+        } else if (word == "leave") {
+            std::thread([] {
+                waitForEndOfInput();
+                std::exit(EXIT_SUCCESS); // NOLINT(concurrency-mt-unsafe): the only thread
+            }).detach();
+            ::pthread_exit(nullptr);
         } else {
             return EXIT_FAILURE;
         }
     }
-    std::cout << "ready" << std::endl;
-    char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) > 0) {
-    }
+    waitForEndOfInput();
     return EXIT_SUCCESS;
 }

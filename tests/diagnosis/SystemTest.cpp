@@ -174,6 +174,31 @@ TEST_F(SystemFindings, NameDirectoriesThatAreFull)
     EXPECT_THAT(names(), ElementsAre("shm-full", "tmp-full"));
 }
 
+/** A process's list of mappings with that file among them. */
+std::string mapsWith(const std::string& path)
+{
+    const FileIdentity file = SharedFile::look(path)->identity();
+    return "1000-2000 rw-s 00000000 " + file.device + ' ' + std::to_string(file.inode) +
+           "                          " + path + '\n';
+}
+
+TEST_F(SystemFindings, AreNoneOfProcessesThatStartMeanwhile)
+{
+    makeName(::geteuid());
+    const Dtcm dtcm;
+    const auto isUnused = [&](const ProcessTable& processes) {
+        return lookAtSharedNames(places, processes, dtcm, std::chrono::milliseconds(0))
+            .syncArea.isUnused;
+    };
+    makeProcess(2, "user");
+    const ProcessTable before(places);
+    EXPECT_TRUE(isUnused(before));
+    const std::string path = places.sharedMemory + "/DtcmSync";
+    testsupport::writeFile(places.processes + "/2/maps", mapsWith(path));
+    EXPECT_FALSE(isUnused(before));
+    EXPECT_FALSE(isUnused(ProcessTable(places)));
+}
+
 TEST_F(SystemFindings, SayThatThereAreNoProcessesToLookAt)
 {
     fs::remove_all(places.processes);

@@ -5,6 +5,7 @@
 #include "evidence/SharedNames.h"
 
 #include <cerrno>
+#include <chrono>
 #include <iostream>
 #include <memory>
 #include <set>
@@ -52,11 +53,7 @@ const Thing& thingOf(const std::string& name)
 class Repair
 {
 public:
-    explicit Repair(const RepairArguments& options)
-        : m_options(options), m_processes(m_places),
-          m_names(lookAtSharedNames(m_places, m_processes, m_dtcm)),
-          m_image(lookAtKernelImage(m_places, m_processes))
-    {}
+    explicit Repair(const RepairArguments& options) : m_options(options) {}
 
     /** Says what it does, or why not; false when it does not. */
     bool remove(const Thing& thing) const
@@ -76,6 +73,11 @@ public:
             std::cout << thing.name << ": would remove " << path << "; --yes does it\n";
             return true;
         }
+        const std::optional<SharedFile> now = SharedFile::look(path);
+        if (!now || !(now->identity() == file->identity())) {
+            std::cout << thing.name << ": kept, as it has just been made anew\n";
+            return false;
+        }
         if (::unlink(path.c_str()) != 0) {
             std::cout << thing.name << ": kept, cannot remove " << path << ": " << errorText(errno)
                       << '\n';
@@ -89,39 +91,46 @@ private:
     /** Why it is not safe to remove this; empty when it is. */
     std::string objection(const Thing& thing, const SharedFile& file) const
     {
-        std::string users;
-        if (thing.file == std::string(sharedname::KernelImage)) {
-            users = m_image.holdersText;
-            const Users mapping = m_processes.mapping(file.identity());
-            if (users.empty() && !mapping.empty()) {
-                users = textOf(mapping);
-            }
-        } else {
-            // Who uses one of the two relies on the other.
-            std::set<const Process*> all(m_names.semaphore.users.begin(),
-                                         m_names.semaphore.users.end());
-            all.insert(m_names.syncArea.users.begin(), m_names.syncArea.users.end());
-            users = all.empty() ? "" : textOf(Users(all.begin(), all.end()));
-        }
+        // Looked at after the thing, so that it is seen who has begun to use it meanwhile.
+        const ProcessTable processes(m_places);
+        const std::string users = thing.file == std::string(sharedname::KernelImage)
+                                      ? usersOfImage(processes, file)
+                                      : usersOfStore(processes);
         if (!users.empty()) {
             return "used by " + users;
         }
-        if (!m_processes.isThere()) {
+        if (!processes.isThere()) {
             return "as it cannot be seen who uses it";
         }
-        if (m_processes.numberOfUnseen() != 0 && !m_options.ignoresUnseen) {
-            return "as " + std::to_string(m_processes.numberOfUnseen()) +
-                   " processes of other users cannot be looked at; root may, or --ignore-unseen";
+        if (processes.isComplete() || m_options.ignoresUnseen) {
+            return "";
         }
-        return "";
+        return (processes.hidesOthers() ? "as the processes of other users are hidden here"
+                                        : "as " + std::to_string(processes.numberOfUnseen()) +
+                                              " processes of other users cannot be looked at") +
+               "; root may, or --ignore-unseen";
+    }
+
+    std::string usersOfImage(const ProcessTable& processes, const SharedFile& file) const
+    {
+        const KernelImageEvidence image = lookAtKernelImage(m_places, processes);
+        const Users mapping = processes.mapping(file.identity());
+        return image.holdersText.empty() && !mapping.empty() ? textOf(mapping) : image.holdersText;
+    }
+
+    /** Who uses one of the two names relies on the other. */
+    std::string usersOfStore(const ProcessTable& processes) const
+    {
+        const SharedNames names =
+            lookAtSharedNames(m_places, processes, m_dtcm, std::chrono::milliseconds(0));
+        std::set<const Process*> all(names.semaphore.users.begin(), names.semaphore.users.end());
+        all.insert(names.syncArea.users.begin(), names.syncArea.users.end());
+        return all.empty() ? "" : textOf(Users(all.begin(), all.end()));
     }
 
     const RepairArguments& m_options;
     const Places m_places;
     const Dtcm m_dtcm;
-    const ProcessTable m_processes;
-    const SharedNames m_names;
-    const KernelImageEvidence m_image;
 };
 
 int repair(const RepairArguments& options)

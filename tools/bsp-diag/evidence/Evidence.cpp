@@ -42,7 +42,7 @@ IdentityEvidence::IdentityEvidence()
 Evidence::Evidence(const Places& where, std::chrono::milliseconds watch)
     : places(where), area(dtcm.area()), lockableMemory(::lockableMemory()),
       resetCause(::resetCause()), coldMarker(::access(where.coldMarker().c_str(), F_OK) == 0),
-      processes(where), names(lookAtSharedNames(where, processes, dtcm)),
+      processes(where), names(lookAtSharedNames(where, processes, dtcm, watch)),
       held(watchLocks(names, dtcm, watch)), kernelImage(lookAtKernelImage(where, processes)),
       settings(readSettings()), whySettingsNotWritable(whyNotWritable()), leds(lookAtLeds(where)),
       system(lookAtSystem(where, processes))

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <ctime>
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 
+#include <signal.h> // NOLINT(modernize-deprecated-headers): kill is POSIX's
 #include <unistd.h>
 
 namespace
@@ -18,10 +20,13 @@ namespace
 
 namespace fs = std::filesystem;
 
-/** What /proc/PID/stat says of a process. */
+constexpr pid_t FirstProcess = 1;
+
+/** What /proc/PID/stat says of a process or thread. */
 struct Statistics
 {
     std::string name;
+    bool hasEnded = false;
     bool isOfKernel = false;
     std::uint64_t startedAfterBoot = 0; /**< In clock ticks. */
 };
@@ -37,7 +42,7 @@ std::string textOfFile(const std::string& path)
 
 std::optional<Statistics> statisticsOf(const std::string& directory)
 {
-    constexpr int firstField = 3; // the fields behind the name, which may have any character
+    constexpr int stateField = 3; // the first behind the name, which may have any character
     constexpr int flagsField = 9;
     constexpr int startField = 22;
     constexpr unsigned long ofKernel = 0x00200000;
@@ -51,14 +56,31 @@ std::optional<Statistics> statisticsOf(const std::string& directory)
     result.name = printable(text.substr(nameBegin + 1, nameEnd - nameBegin - 1));
     std::istringstream fields(text.substr(nameEnd + 1));
     std::string field;
-    for (int number = firstField; number <= startField && fields >> field; ++number) {
-        if (number == flagsField) {
+    for (int number = stateField; number <= startField && fields >> field; ++number) {
+        if (number == stateField) {
+            result.hasEnded = field == "Z" || field == "X";
+        } else if (number == flagsField) {
             result.isOfKernel = (std::strtoul(field.c_str(), nullptr, 10) & ofKernel) != 0;
         } else if (number == startField) {
             result.startedAfterBoot = std::strtoull(field.c_str(), nullptr, 10);
         }
     }
     return result;
+}
+
+/** The shared mappings of a process whose first thread has ended: others may still run. */
+std::optional<std::vector<Mapping>> mappingsOfThreads(const std::string& directory)
+{
+    std::error_code error;
+    for (fs::directory_iterator thread(directory + "/task", error);
+         !error && thread != fs::directory_iterator(); thread.increment(error))
+    {
+        auto mappings = sharedMappings(thread->path() / "maps");
+        if (!mappings || !mappings->empty()) {
+            return mappings;
+        }
+    }
+    return std::vector<Mapping>();
 }
 
 /** Seconds since the epoch. */
@@ -145,47 +167,70 @@ std::string timeText(std::int64_t secondsSinceEpoch)
     return {text.data(), size};
 }
 
-ProcessTable::ProcessTable(const Places& places) : m_directory(places.processes)
+ProcessTable::ProcessTable(const Places& places)
+    : m_directory(places.processes), m_bootTime(bootTime(places.processes))
 {
+    bool isFirstListed = false;
     std::error_code error;
     for (fs::directory_iterator entry(m_directory, error);
          !error && entry != fs::directory_iterator(); entry.increment(error))
     {
         const pid_t number = processNumber(entry->path().filename());
-        if (number == 0) {
-            continue;
+        m_isThere = m_isThere || number != 0;
+        isFirstListed = isFirstListed || number == FirstProcess;
+        if (number != 0 && number != ::getpid()) {
+            add(number);
         }
-        m_isThere = true;
-        const std::string directory = m_directory + '/' + std::to_string(number);
-        const std::optional<Statistics> statistics = statisticsOf(directory);
-        if (number == ::getpid() || !statistics || statistics->isOfKernel) {
-            continue;
-        }
-        std::optional<Process> process = look(number);
-        auto mappings = sharedMappings(directory + "/maps");
-        if (!process) {
-            continue;
-        }
+    }
+    m_hidesOthers = m_isThere && !isFirstListed;
+}
+
+void ProcessTable::add(pid_t number)
+{
+    const std::string directory = directoryOf(number);
+    const std::optional<Statistics> statistics = statisticsOf(directory);
+    if (statistics && statistics->isOfKernel) {
+        return;
+    }
+    auto mappings = statistics && statistics->hasEnded ? mappingsOfThreads(directory)
+                                                       : sharedMappings(directory + "/maps");
+    // Not even root sees the first process where that has rights of its own; it starts the
+    // others, and calls nobody's functions.
+    std::error_code gone;
+    const bool matters = number != FirstProcess && fs::exists(directory, gone);
+    m_unseen += mappings || !matters ? 0 : 1;
+    std::optional<Process> process = statistics ? look(number) : std::nullopt;
+    if (process) {
         process->isSeen = mappings.has_value();
         process->shared = std::move(mappings).value_or(std::vector<Mapping>());
-        // Not even root sees the first process where that has rights of its own; it starts the
-        // others, and calls nobody's functions.
-        std::error_code gone;
-        const bool matters = number != 1 && fs::exists(directory, gone);
-        m_unseen += process->isSeen || !matters ? 0 : 1;
         m_processes.push_back(std::move(*process));
     }
 }
 
+std::string ProcessTable::directoryOf(pid_t process) const
+{
+    return m_directory + '/' + std::to_string(process);
+}
+
 std::optional<Process> ProcessTable::look(pid_t process) const
 {
-    const auto statistics = statisticsOf(m_directory + '/' + std::to_string(process));
+    const auto statistics = statisticsOf(directoryOf(process));
     if (!statistics) {
         return std::nullopt;
     }
     const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
     const auto seconds = static_cast<std::int64_t>(statistics->startedAfterBoot / ticks);
-    return Process{process, statistics->name, timeText(bootTime(m_directory) + seconds), false, {}};
+    return Process{process, statistics->name, timeText(m_bootTime + seconds), false, {}};
+}
+
+bool ProcessTable::hasEnded(pid_t thread) const
+{
+    const auto statistics = statisticsOf(directoryOf(thread));
+    if (statistics) {
+        return statistics->hasEnded;
+    }
+    // What is hidden from this user can be asked for all the same.
+    return ::kill(thread, 0) != 0 && errno != EPERM;
 }
 
 Users ProcessTable::mapping(const FileIdentity& file) const
@@ -202,7 +247,7 @@ Users ProcessTable::mapping(const FileIdentity& file) const
 std::optional<Process> ProcessTable::ofThread(pid_t thread) const
 {
     // A thread has a directory of its own, though the list shows only that of its process.
-    std::istringstream words(textOfFile(m_directory + '/' + std::to_string(thread) + "/status"));
+    std::istringstream words(textOfFile(directoryOf(thread) + "/status"));
     std::string word;
     pid_t process = 0;
     while (process == 0 && words >> word) {

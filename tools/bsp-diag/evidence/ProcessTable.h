@@ -61,19 +61,29 @@ public:
 
     /** Whether there is a list of processes at all. */
     bool isThere() const { return m_isThere; }
-    /** The processes whose mappings this user may not see. */
+    /** The listed processes whose mappings this user may not see. */
     unsigned int numberOfUnseen() const { return m_unseen; }
+    /** Whether the list leaves out the processes of other users. */
+    bool hidesOthers() const { return m_hidesOthers; }
+    /** Whether what nobody of the list uses is used by nobody. */
+    bool isComplete() const { return m_isThere && m_unseen == 0 && !m_hidesOthers; }
 
     const std::vector<Process>& all() const { return m_processes; }
     Users mapping(const FileIdentity& file) const;
-    /** The process of a living thread, seen or not. */
+    /** The process of a thread that is listed, seen or not. */
     std::optional<Process> ofThread(pid_t thread) const;
+    /** Whether there is no such thread, or only its number, which nobody has asked for yet. */
+    bool hasEnded(pid_t thread) const;
 
 private:
+    void add(pid_t number);
+    std::string directoryOf(pid_t process) const;
     std::optional<Process> look(pid_t process) const;
 
     const std::string m_directory;
+    const std::int64_t m_bootTime;
     bool m_isThere = false;
+    bool m_hidesOthers = false;
     unsigned int m_unseen = 0;
     std::vector<Process> m_processes;
 };

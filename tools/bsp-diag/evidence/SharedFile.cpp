@@ -85,6 +85,14 @@ std::optional<SharedFile> SharedFile::look(const std::string& path)
     return result;
 }
 
+std::string SharedFile::kind() const
+{
+    if (S_ISLNK(m_status.st_mode)) {
+        return "a symbolic link";
+    }
+    return S_ISDIR(m_status.st_mode) ? "a directory" : "a pipe, socket or device";
+}
+
 std::string SharedFile::bytes(std::size_t size) const
 {
     return m_file.isOpen() ? bytesOf(m_file, size) : "";

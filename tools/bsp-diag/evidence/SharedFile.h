@@ -37,6 +37,8 @@ public:
     const std::string& path() const { return m_path; }
     const struct stat& status() const { return m_status; }
     bool isRegular() const { return S_ISREG(m_status.st_mode); }
+    /** What it is that is no regular file, as in "a directory". */
+    std::string kind() const;
     bool isReadable() const { return m_file.isOpen(); }
     std::size_t size() const { return static_cast<std::size_t>(m_status.st_size); }
     /** Empty where it is not readable. */

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <initializer_list>
 #include <set>
 #include <string>
+#include <thread>
 
 namespace
 {
@@ -83,22 +85,51 @@ Users usersOf(const ProcessTable& processes, const Board& board, const SharedNam
     return users;
 }
 
-void findUsers(const ProcessTable& processes, SharedName& name)
+SharedName lookAt(const Places& places, const ProcessTable& processes, const char* entry)
 {
+    SharedName name;
+    name.file = SharedFile::look(places.sharedMemory + '/' + entry);
     if (name.file) {
         name.users = processes.mapping(name.file->identity());
+    }
+    return name;
+}
+
+bool hasNoUser(const SharedName& name, const ProcessTable& processes)
+{
+    return name.file && name.file->isRegular() && processes.isComplete() &&
+           processes.mapping(name.file->identity()).empty();
+}
+
+/**
+ * Whether nobody uses these names, seen twice: a program may have begun to use them since the
+ * processes were looked at, or have ended and be about to remove them.
+ */
+void findUnused(const Places& places, const ProcessTable& processes,
+                std::chrono::milliseconds moment, std::initializer_list<SharedName*> names)
+{
+    if (std::none_of(names.begin(), names.end(),
+                     [&](const SharedName* name) { return hasNoUser(*name, processes); }))
+    {
+        return;
+    }
+    std::this_thread::sleep_for(moment);
+    const ProcessTable later(places);
+    for (SharedName* const name : names) {
+        const auto now = name->file ? SharedFile::look(name->file->path()) : std::nullopt;
+        name->isUnused = hasNoUser(*name, processes) && hasNoUser(*name, later) && now &&
+                         now->identity() == name->file->identity();
     }
 }
 
 } // namespace
 
-SharedNames lookAtSharedNames(const Places& places, const ProcessTable& processes, const Dtcm& dtcm)
+SharedNames lookAtSharedNames(const Places& places, const ProcessTable& processes, const Dtcm& dtcm,
+                              std::chrono::milliseconds moment)
 {
-    SharedNames names;
-    names.semaphore.file = SharedFile::look(places.sharedMemory + '/' + sharedname::Semaphore);
-    names.syncArea.file = SharedFile::look(places.sharedMemory + '/' + sharedname::SyncArea);
-    findUsers(processes, names.semaphore);
-    findUsers(processes, names.syncArea);
+    SharedNames names{lookAt(places, processes, sharedname::Semaphore),
+                      lookAt(places, processes, sharedname::SyncArea)};
+    findUnused(places, processes, moment, {&names.semaphore, &names.syncArea});
     const Board board(places, names, dtcm);
     names.semaphore.formerUsers =
         usersOf(processes, board, names.semaphore, [&](const Mapping& mapping) {

@@ -10,6 +10,7 @@
 #include "evidence/ProcessTable.h"
 #include "evidence/SharedFile.h"
 
+#include <chrono>
 #include <optional>
 
 struct SharedName
@@ -17,6 +18,8 @@ struct SharedName
     std::optional<SharedFile> file;
     /** Processes that have mapped the file of that name. */
     Users users;
+    /** Whether it is certain that it is there, and for a moment nobody has mapped it. */
+    bool isUnused = false;
     /** Processes that have mapped one which had the name before. */
     Users formerUsers;
 };
@@ -27,7 +30,8 @@ struct SharedNames
     SharedName syncArea;
 };
 
-SharedNames lookAtSharedNames(const Places& places, const ProcessTable& processes,
-                              const Dtcm& dtcm);
+/** @param moment  how long nobody must use a name before it is unused */
+SharedNames lookAtSharedNames(const Places& places, const ProcessTable& processes, const Dtcm& dtcm,
+                              std::chrono::milliseconds moment);
 
 #endif

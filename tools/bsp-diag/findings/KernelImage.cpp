@@ -11,14 +11,6 @@ constexpr long PatienceInSeconds = 10;
 /** Between making the file and locking it. */
 constexpr long InstantInSeconds = 1;
 
-std::string kindOf(mode_t mode)
-{
-    if (S_ISLNK(mode)) {
-        return "a symbolic link";
-    }
-    return S_ISDIR(mode) ? "a directory" : "no file";
-}
-
 } // namespace
 
 void judgeKernelImage(const Evidence& evidence, Diagnosis& diagnosis)
@@ -32,7 +24,7 @@ void judgeKernelImage(const Evidence& evidence, Diagnosis& diagnosis)
     if (!image.file->isRegular()) {
         diagnosis.add(
             "kernel-image-link",
-            {{"place", place}, {"path", image.file->path()}, {"kind", kindOf(status.st_mode)}});
+            {{"place", place}, {"path", image.file->path()}, {"kind", image.file->kind()}});
         return;
     }
     if (!image.holders.empty()) {

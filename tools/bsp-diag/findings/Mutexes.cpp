@@ -36,8 +36,8 @@ void judgeSize(const SharedFile& file, Diagnosis& diagnosis)
 void judgeMutexes(const Evidence& evidence, Diagnosis& diagnosis)
 {
     const SharedName& name = evidence.names.syncArea;
-    judgeName(evidence, name, "mutexes", diagnosis);
-    if (!name.file) {
+    judgeName(name, "mutexes", diagnosis);
+    if (!name.file || !name.file->isRegular()) {
         return;
     }
     judgeSize(*name.file, diagnosis);

@@ -10,9 +10,9 @@ void judgeSemaphore(const Evidence& evidence, Diagnosis& diagnosis)
                        {"waiters", std::to_string(*evidence.held.waitersForSemaphore)},
                        {"users", textOf(name.users)}});
     }
-    judgeName(evidence, name, "semaphore", diagnosis);
+    judgeName(name, "semaphore", diagnosis);
     constexpr std::size_t expected = glibc::semaphoreSize(glibc::OwnWordSize);
-    if (name.file && name.file->size() != expected) {
+    if (name.file && name.file->isRegular() && name.file->size() != expected) {
         diagnosis.add("semaphore-size", {{"place", name.file->text()},
                                          {"size", std::to_string(name.file->size())},
                                          {"expected", std::to_string(expected)}});

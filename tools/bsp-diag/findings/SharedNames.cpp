@@ -18,13 +18,16 @@ std::string modeText(mode_t mode)
 
 } // namespace
 
-void judgeName(const Evidence& evidence, const SharedName& name, const std::string& subject,
-               Diagnosis& diagnosis)
+void judgeName(const SharedName& name, const std::string& subject, Diagnosis& diagnosis)
 {
     constexpr mode_t forAll = 0666;
-    if (name.file) {
+    if (name.file && !name.file->isRegular()) {
+        diagnosis.add(subject + "-link", {{"place", name.file->text()},
+                                          {"path", name.file->path()},
+                                          {"kind", name.file->kind()}});
+    } else if (name.file) {
         const std::string place = name.file->text();
-        if (name.users.empty() && evidence.processes.numberOfUnseen() == 0) {
+        if (name.isUnused) {
             diagnosis.add(subject + "-unused", {{"place", place}});
         }
         if ((name.file->status().st_mode & forAll) != forAll) {
@@ -48,8 +51,12 @@ Holder holderOf(const Evidence& evidence, pid_t thread, const std::optional<File
     }
     const std::string text = "thread " + std::to_string(thread);
     const std::optional<Process> process = evidence.processes.ofThread(thread);
+    if (evidence.processes.hasEnded(thread)) {
+        return {false, process ? text + " of " + process->text() + ", which has ended"
+                               : text + ", which does not exist"};
+    }
     if (!process) {
-        return {false, text + ", which does not exist"};
+        return {true, text + " of a process that is hidden from this user"};
     }
     if (process->isSeen && file && !process->maps(*file)) {
         return {false, text + ", a number that is now of " + process->text() +

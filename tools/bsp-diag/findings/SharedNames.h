@@ -10,9 +10,8 @@
 
 #include <string>
 
-/** Adds SUBJECT-unused, SUBJECT-mode and SUBJECT-former, whichever are found. */
-void judgeName(const Evidence& evidence, const SharedName& name, const std::string& subject,
-               Diagnosis& diagnosis);
+/** Adds SUBJECT-link, SUBJECT-unused, SUBJECT-mode and SUBJECT-former, whichever are found. */
+void judgeName(const SharedName& name, const std::string& subject, Diagnosis& diagnosis);
 
 /** What a mutex's holder is, and whether it lives and can be the one. */
 struct Holder

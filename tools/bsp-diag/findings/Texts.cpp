@@ -60,6 +60,8 @@ constexpr FindingText texts[] = {
     {"semaphore-held", "the semaphore of the warm area is held",
      "{place}: 0 at every look, {waiters} waiting; mapped by {users}",
      "every operation on the warm area waits, in every program; getSlotId hangs", RemoveNames},
+    {"semaphore-link", "in the place of the semaphore of the warm area there is something else",
+     "{place} is {kind}", "programs work on the warm area without any lock", "remove {path}"},
     {"semaphore-unused", "no living process uses the semaphore of the warm area", "{place}",
      "the program that made it was killed: nobody decides about the area again, and the next "
      "programs take it as it is, held or not",
@@ -77,6 +79,10 @@ constexpr FindingText texts[] = {
      "each other, or crash",
      RemoveNames},
 
+    {"mutexes-link", "in the place of the mutexes of the blocks there is something else",
+     "{place} is {kind}",
+     "programs have mutexes of their own, which exclude nobody, or crash when they use them",
+     "remove {path}"},
     {"mutexes-size", "the mutexes of the blocks are not those of this machine",
      "{place}, {size} bytes instead of {expected}{word}",
      "programs end with SIGBUS or do not exclude each other when they lock a block's mutex",
