@@ -12,11 +12,12 @@
 #include <vector>
 
 #include <sys/types.h>
+#include <unistd.h>
 
 constexpr const char* Semaphore = "/dev/shm/sem.DtcmDbSharedSem";
 constexpr const char* Mutexes = "/dev/shm/DtcmSync";
-/** Of what root makes, as findings say it. */
-const std::string Names = "of user 0, last changed TIME";
+/** Of what this user makes, as findings say it. */
+const std::string Names = "of user " + std::to_string(::geteuid()) + ", last changed TIME";
 
 /** A process that runs StoreUser; it is killed at the end of the scope. */
 class StoreUser
@@ -58,6 +59,12 @@ protected:
     testsupport::Program diagOfOrdinaryUser(Words words) const;
     /** Why programs cannot be another user's here; empty when they can. */
     static std::string noOtherUser();
+
+    /** Why this user cannot say that nobody uses a name; empty when he can. */
+    static std::string unseenProcesses()
+    {
+        return ::geteuid() == 0 ? "" : "only root sees what all processes use";
+    }
 
     /** What check finds: its lines, with what differs from run to run as TIME, N and BOARD. */
     Words findings() const { return findings(diag({"check"})); }
