@@ -248,7 +248,7 @@ TEST_F(Calls, OpenForACapsuleWhatIsOfTheBoard)
     // Beside these: programs' libraries, which processes there are and what they have mapped, and
     // the system's settings that findings are about.
     const std::regex ofTheSystem(
-        R"(/|/etc/ld\.so\.cache|.*/lib[\w+.-]*\.so[\d.]*|/etc/localtime|/proc|/proc/(self|\d+)/(maps|stat|status)|)"
+        R"(/|/etc/ld\.so\.cache|.*/lib[\w+.-]*\.so[\d.]*|/etc/localtime|/proc|/proc/(self|\d+)/(maps|stat|status|task(/\d+/maps)?)|)"
         R"(/proc/(stat|locks|sys/fs/protected_regular)|(/etc|/run|/usr/lib)/systemd/logind\.conf(\.d)?)");
     std::set<std::string> paths;
     for (const Call& call : callsOf({"capture", file("capsule")})) {

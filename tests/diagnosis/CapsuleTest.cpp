@@ -1,8 +1,11 @@
 #include "DiagTest.h"
 
+#include <csignal>
 #include <regex>
 
 #include <semaphore.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -66,6 +69,7 @@ TEST_F(Capsule, ListsWhatWentIntoIt)
     const std::string bits = std::to_string(sizeof(void*) * 8);
     EXPECT_EQ(capture(), "versions: bsp-diag/1, " BSP_TEST_VERSION ", " + bits +
                              " bits\n"
+                             "time: TIME\n"
                              "EEPROM: 8 bytes\n"
                              "warm area: 32768 bytes, under its lock\n"
                              "registers: the cause of the last restart\n"
@@ -79,7 +83,8 @@ TEST_F(Capsule, ListsWhatWentIntoIt)
                              "semaphore: its value\n"
                              "held mutexes: 0 in words\n"
                              "answers of the layer: 22\n"
-                             "findings: 0, with names of processes\n");
+                             "findings: 0, with names of processes\n"
+                             "not looked at: 0 in words\n");
     EXPECT_THAT(names(), testing::IsEmpty()) << "the lock was given back";
 }
 
@@ -167,6 +172,44 @@ TEST_F(Capsule, CarriesWhatIsMissingAndWhatIsDamaged)
               "not carried over: LED green: cannot read /sys/class/leds/green/korvanta_state: No "
               "such file or directory\n");
     EXPECT_EQ(shown("copy"), shown("b"));
+}
+
+TEST_F(Capsule, DoesWithoutSettingsThatAreNone)
+{
+    const auto leftOut = [this](const std::string& why) {
+        EXPECT_THAT(capture(), HasSubstr("settings: left out, " + why + "\n"));
+        EXPECT_THAT(create(capsule()), HasSubstr("not carried over: settings: " + why + "\n"));
+        fs::remove(capsule());
+        fs::remove_all(file("copy"));
+        fs::remove(boardFile("settings"));
+    };
+    leftOut("there are none");
+    ASSERT_EQ(::mkfifo(boardFile("settings").c_str(), 0600), 0);
+    leftOut("they are no regular file");
+    write("settings", std::string(1024UL * 1024 + 1, '#'));
+    leftOut("they are more than 1048576 bytes");
+    write("settings", std::string(1024UL * 1024, '#'));
+    EXPECT_THAT(capture(), HasSubstr("settings: 1048576 bytes\n"));
+}
+
+/** Beside what the list names, whose kinds are in the schema. */
+TEST_F(Capsule, HasNothingElseOfTheMachine)
+{
+    const std::string secret = "do-not-tell";
+    write("settings", "RadiolinkMode=Rl5\n");
+    write(secret, secret);
+    testsupport::writeFile("/dev/shm/" + secret, secret);
+    testsupport::writeFile("/tmp/" + secret, secret);
+    fs::create_directory("/sys/class/leds/" + secret);
+    testsupport::Program other{"/bin/sleep", {"100"}, secret, {}, "", true, false, {}};
+    const pid_t process = other.start();
+    testsupport::Program program = diag({"capture", capsule()});
+    program.environment["SECRET"] = secret;
+    EXPECT_EQ(program.run().status, 0);
+    ::kill(process, SIGKILL);
+    testsupport::waitFor(process);
+    EXPECT_THAT(testsupport::readFile(capsule()),
+                Not(AnyOf(HasSubstr(secret), HasSubstr("sleep"))));
 }
 
 TEST_F(Capsule, IsMadeForItsOwnerInAPlaceThatIsFree)

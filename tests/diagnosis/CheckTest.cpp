@@ -64,6 +64,18 @@ TEST_F(Check, NamesAnEepromThatCannotBeRead)
                             "this user may read it"));
 }
 
+TEST_F(Check, SaysInOneLineWhatIsWrongInAnyPlace)
+{
+    testsupport::Program program = diag({"check"});
+    program.environment["BSP_BOARD_DIR"] = file("two\nlines");
+    const Words lines = findings(program);
+    EXPECT_THAT(namesIn(lines),
+                ElementsAre("eeprom-unreadable", "dtcm-missing", "settings-not-writable"));
+    for (const std::string& line : lines) {
+        EXPECT_THAT(line, HasSubstr("two\\x0alines"));
+    }
+}
+
 TEST_F(Check, NamesAShortEeprom)
 {
     write("eeprom", "abc");

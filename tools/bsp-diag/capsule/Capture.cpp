@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <semaphore.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -127,17 +128,32 @@ Reading<std::uint32_t> semaphoreValue(const Evidence& evidence)
     return evidence.held.waitersForSemaphore ? 0 : std::max(state->value, 1U);
 }
 
-Reading<std::string> settingsText(const Evidence& evidence)
+/** The file as it is: one that is damaged does not lose that on its way. */
+Reading<std::string> settingsInFile(const std::string& path)
 {
     using Text = Reading<std::string>;
     constexpr std::size_t most = 1024UL * 1024;
+    const syscalls::FileDescriptor file(
+        ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status
+    {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        return Text::unknown(errno == ENOENT ? "there are none" : errorText(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return Text::unknown("they are no regular file");
+    }
+    std::string text = bytesOf(file, most + 1);
+    return text.size() > most
+               ? Text::unknown("they are more than " + std::to_string(most) + " bytes")
+               : Text(std::move(text));
+}
+
+Reading<std::string> settingsText(const Evidence& evidence)
+{
+    using Text = Reading<std::string>;
     if (const std::optional<std::string> path = boardFile("settings")) {
-        const syscalls::FileDescriptor file(
-            ::open(path->c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-        if (!file.isOpen()) {
-            return Text::unknown(errno == ENOENT ? "there are none" : errorText(errno));
-        }
-        return bytesOf(file, most);
+        return settingsInFile(*path);
     }
     if (!evidence.settings.isKnown()) {
         return Text::unknown(evidence.settings.reason());

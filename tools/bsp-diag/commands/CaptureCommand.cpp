@@ -72,7 +72,8 @@ void list(const char* what, const Reading<Value>& reading, const std::string& ho
 void listContents(const capsule::Contents& contents, const Json& document)
 {
     std::cout << "versions: " << facts::Schema << ", " << document["version"].get<std::string>()
-              << ", " << document["wordSize"] << " bits\n";
+              << ", " << document["wordSize"] << " bits\n"
+              << "time: " << document["taken"].get<std::string>() << '\n';
     list("EEPROM", contents.eeprom, "8 bytes");
     list("warm area", contents.warmArea, "32768 bytes, " + contents.warmAreaTaken);
     list("registers", contents.resetCause, "the cause of the last restart");
@@ -88,7 +89,8 @@ void listContents(const capsule::Contents& contents, const Json& document)
     list("semaphore", contents.semaphore, "its value");
     std::cout << "held mutexes: " << contents.heldMutexes.size() << " in words\n"
               << "answers of the layer: " << document["board"].size() << '\n'
-              << "findings: " << document["findings"].size() << ", with names of processes\n";
+              << "findings: " << document["findings"].size() << ", with names of processes\n"
+              << "not looked at: " << document["notLookedAt"].size() << " in words\n";
 }
 
 int capture(const std::string& path)

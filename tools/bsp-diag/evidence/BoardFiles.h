@@ -1,6 +1,8 @@
 #ifndef TOOLS_DIAG_EVIDENCE_BOARDFILES_H
 #define TOOLS_DIAG_EVIDENCE_BOARDFILES_H
 
+#include "Text.h"
+
 #include <optional>
 #include <string>
 
@@ -10,10 +12,10 @@
  */
 std::optional<std::string> boardFile(const std::string& entry);
 
-/** The file, or else the name. */
+/** The file, or else the name, in words: a path can have any bytes. */
 inline std::string placeOf(const std::string& entry)
 {
-    return boardFile(entry).value_or(entry);
+    return printable(boardFile(entry).value_or(entry));
 }
 
 #endif

@@ -34,7 +34,8 @@ std::optional<std::string> whyNotWritable()
     for (const std::string& path : {*file, directory}) {
         const bool isMissingFile = path == *file && ::access(path.c_str(), F_OK) != 0;
         if (!isMissingFile && ::access(path.c_str(), W_OK) != 0) {
-            return path + ": " + errorText(errno);
+            const int error = errno;
+            return printable(path) + ": " + errorText(error);
         }
     }
     return "";
