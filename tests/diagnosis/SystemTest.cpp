@@ -143,6 +143,7 @@ TEST_F(SystemFindings, NameASystemThatRefusesNamesOfOthers)
     setProtection("1");
     const std::vector<std::string> lines = found();
     ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(names(), ElementsAre("sticky-names"));
     EXPECT_THAT(lines[0],
                 HasSubstr("; fs.protected_regular is 1. Follows: everybody but its owner, root "
                           "too, gets EACCES: a program that starts meanwhile has mutexes of its "
@@ -172,6 +173,16 @@ TEST_F(SystemFindings, NameDirectoriesThatAreFull)
 {
     setFreeBlocks(0);
     EXPECT_THAT(names(), ElementsAre("shm-full", "tmp-full"));
+}
+
+TEST_F(SystemFindings, AreLookedForThoughAProcessEndsMeanwhile)
+{
+    // Reading what a process says fails once it has ended; here because it is no file.
+    directory("proc/3/stat");
+    directory("proc/3/status");
+    const ProcessTable processes(places);
+    EXPECT_EQ(processes.all().size(), 1U);
+    EXPECT_FALSE(processes.ofThread(3).has_value());
 }
 
 /** A process's list of mappings with that file among them. */
