@@ -31,18 +31,25 @@ protected:
         fs::permissions(board(), fs::perms(0777));
     }
 
+    /** Puts a file system in the place of /proc, for this process alone; ends it where it cannot.
+     */
+    static void replaceProc(const char* type, const char* option)
+    {
+        if (::unshare(CLONE_NEWNS) != 0 ||
+            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", "/proc", type, 0, option) != 0)
+        {
+            ::_exit(CannotMount);
+        }
+    }
+
     /** bsp-diag for somebody from whom the system hides other users' processes. */
     testsupport::Program diagWithHidden(Words words, const char* option) const
     {
         testsupport::Program program = diagOfOrdinaryUser(std::move(words));
         const auto becomeUser = program.prepare;
         program.prepare = [becomeUser, option] {
-            if (::unshare(CLONE_NEWNS) != 0 ||
-                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-                ::mount("proc", "/proc", "proc", 0, option) != 0)
-            {
-                ::_exit(CannotMount);
-            }
+            replaceProc("proc", option);
             becomeUser();
         };
         return program;
@@ -81,6 +88,26 @@ TEST_F(UsersOfNames, AreNotTakenForNobodyWhereTheyAreHidden)
                                       "which are hidden here: root may look\n"));
     EXPECT_THAT(hidden.out, HasSubstr("at every look: thread " + std::to_string(user.id()) +
                                       " of a process that is hidden from this user. Follows"));
+}
+
+TEST_F(UsersOfNames, AreNotTakenForNobodyWhereNoneCanBeSeen)
+{
+    StoreUser(board(), {"open"}).kill();
+    const auto withoutProc = [this](Words words) {
+        testsupport::Program program = diag(std::move(words));
+        program.prepare = [] { replaceProc("tmpfs", ""); };
+        return program.run();
+    };
+    const testsupport::Outcome found = withoutProc({"check"});
+    if (found.status == CannotMount) {
+        GTEST_SKIP() << testsupport::NoNamespaces << "cannot mount a /proc";
+    }
+    EXPECT_EQ(found.out, "not looked at: who uses the shared names: there is nothing in /proc\n"
+                         "nothing found\n");
+    EXPECT_EQ(found.status, 3);
+    const testsupport::Outcome kept = withoutProc({"repair", "--yes", "DtcmSync"});
+    EXPECT_EQ(kept.out, "DtcmSync: kept, as it cannot be seen who uses it\n");
+    EXPECT_EQ(kept.status, 1);
 }
 
 TEST_F(UsersOfNames, AreUsersWhenTheirFirstThreadHasEnded)

@@ -88,7 +88,7 @@ TEST_F(WrongCapsule, IsRefusedWhenSizesAreWrong)
     EXPECT_EQ(refusalOf(changed(code, "\"eeprom\": \"41\"")),
               std::string(Refusal) + "the EEPROM has 1 bytes instead of 8\n");
     EXPECT_EQ(refusalOf(changed(code, "\"eeprom\": \"4x\"")),
-              std::string(Refusal) + "'4x' is no byte\n");
+              std::string(Refusal) + "'4x' are no hexadecimal digits of bytes\n");
     EXPECT_EQ(refusalOf(changed("\"blocks\": [\n        \"00", "\"blocks\": [\n        \"0000")),
               std::string(Refusal) + "the warm area has 32769 bytes instead of 32768\n");
 }

@@ -3,6 +3,7 @@
 #include "Bsp.h"
 #include "HardwareCode.h"
 #include "Led.h"
+#include "NxuConfig.h"
 #include "Products.h"
 #include "Text.h"
 #include "WarmArea.h"
@@ -181,6 +182,20 @@ bool isNotClearedYet(const RawBoard& board)
 {
     return board.warmArea.isKnown() && !board.isWarmAreaInUse && countsAsCold(board) &&
            !WarmArea(*board.warmArea).isWritten();
+}
+
+Reading<Settings> readSettings()
+{
+    try {
+        const NxuConfig config;
+        Settings values;
+        for (const std::string& key : {key::FpgaVariant, key::RadiolinkMode}) {
+            values[key] = config.get(key);
+        }
+        return values;
+    } catch (const std::exception& error) {
+        return Reading<Settings>::unknown(error.what());
+    }
 }
 
 Json boardFacts(const RawBoard& board)

@@ -35,6 +35,9 @@ struct Led
     Reading<std::string> state; /**< As the driver shows it. */
 };
 
+/** The settings that the layer asks for, or why the store does not say. */
+Reading<Settings> readSettings();
+
 /** What is read of a board, and not answered by the layer. */
 struct RawBoard
 {

@@ -1,12 +1,10 @@
 #include "Capsule.h"
 
 #include "Hardware.h"
-#include "HardwareCode.h"
 #include "Text.h"
 #include "WarmLayout.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <stdexcept>
 
@@ -19,6 +17,9 @@ namespace
 using os::bsp::dtcm::AreaSize;
 using os::bsp::dtcm::Block;
 
+/** Of what is no capsule, in a message. */
+constexpr std::size_t LongestQuote = 32;
+
 template <typename Value> Json jsonOf(const Reading<Value>& reading)
 {
     return reading.isKnown() ? Json(*reading) : facts::unknown(reading.reason());
@@ -27,7 +28,7 @@ template <typename Value> Json jsonOf(const Reading<Value>& reading)
 /** Bytes that need be no text. */
 Json hexJson(const Reading<std::string>& bytes)
 {
-    return bytes.isKnown() ? Json(hexOf(*bytes)) : facts::unknown(bytes.reason());
+    return bytes.isKnown() ? Json(hexText(*bytes)) : facts::unknown(bytes.reason());
 }
 
 /** Bytes that are text, unless somebody has damaged them. */
@@ -40,7 +41,7 @@ Json textJson(const Reading<std::string>& text)
         const auto value = static_cast<unsigned char>(byte);
         return value > '~' || (value < ' ' && byte != '\n' && byte != '\t');
     });
-    return isText ? Json{{"text", *text}} : Json{{"hex", hexOf(*text)}};
+    return isText ? Json{{"text", *text}} : Json{{"hex", hexText(*text)}};
 }
 
 Json warmAreaJson(const Contents& contents)
@@ -50,25 +51,19 @@ Json warmAreaJson(const Contents& contents)
     }
     Json blocks = Json::array();
     for (std::size_t offset = 0; offset < contents.warmArea->size(); offset += sizeof(Block)) {
-        blocks.push_back(hexOf(contents.warmArea->substr(offset, sizeof(Block))));
+        blocks.push_back(hexText(contents.warmArea->substr(offset, sizeof(Block))));
     }
     return {{"taken", contents.warmAreaTaken}, {"blocks", blocks}};
 }
 
 std::string bytesOf(const std::string& hex)
 {
-    constexpr int hexadecimal = 16;
-    std::string bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2) {
-        const char* const end = hex.data() + std::min(i + 2, hex.size());
-        unsigned char value = 0;
-        const auto result = std::from_chars(hex.data() + i, end, value, hexadecimal);
-        if (result.ec != std::errc() || result.ptr != hex.data() + i + 2) {
-            throw std::runtime_error("'" + printable(hex.substr(i, 2)) + "' is no byte");
-        }
-        bytes.push_back(static_cast<char>(value));
+    const std::optional<std::string> bytes = bytesOfHex(hex);
+    if (!bytes) {
+        throw std::runtime_error("'" + printable(hex.substr(0, LongestQuote)) +
+                                 "' are no hexadecimal digits of bytes");
     }
-    return bytes;
+    return *bytes;
 }
 
 constexpr std::uint64_t MaxSemaphoreValue = std::numeric_limits<int>::max();
@@ -175,11 +170,6 @@ Json documentOf(const std::string& text)
 }
 
 } // namespace
-
-std::string hexOf(const std::string& bytes)
-{
-    return hardwarecode::textOf(bytes);
-}
 
 Json jsonOf(const Contents& contents)
 {

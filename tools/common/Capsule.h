@@ -56,9 +56,6 @@ Json jsonOf(const Contents& contents);
  */
 Contents parse(const std::string& text);
 
-/** Two hexadecimal digits for each byte. */
-std::string hexOf(const std::string& bytes);
-
 } // namespace capsule
 
 #endif

@@ -1,18 +1,10 @@
 #include "HardwareCode.h"
 
 #include "Hardware.h"
-
-#include <charconv>
+#include "Text.h"
 
 namespace hardwarecode
 {
-
-namespace
-{
-
-constexpr int Hexadecimal = 16;
-
-} // namespace
 
 std::string bytesOf(const os::bsp::NxuHwCode& code)
 {
@@ -25,32 +17,12 @@ std::string bytesOf(const os::bsp::NxuHwCode& code)
 
 std::string textOf(const std::string& bytes)
 {
-    constexpr const char* digits = "0123456789abcdef";
-    std::string text;
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        text.push_back(digits[value / Hexadecimal]);
-        text.push_back(digits[value % Hexadecimal]);
-    }
-    return text;
+    return hexText(bytes);
 }
 
 std::optional<std::string> parse(const std::string& text)
 {
-    if (text.size() != 2 * hardware::HardwareCodeSize) {
-        return std::nullopt;
-    }
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-        const char* const end = text.data() + i + 2;
-        unsigned char value = 0;
-        const auto result = std::from_chars(text.data() + i, end, value, Hexadecimal);
-        if (result.ec != std::errc() || result.ptr != end) {
-            return std::nullopt;
-        }
-        bytes.push_back(static_cast<char>(value));
-    }
-    return bytes;
+    return text.size() == 2 * hardware::HardwareCodeSize ? bytesOfHex(text) : std::nullopt;
 }
 
 } // namespace hardwarecode

@@ -1,5 +1,6 @@
 #include "Text.h"
 
+#include <charconv>
 #include <cstddef>
 #include <iomanip>
 #include <sstream>
@@ -9,6 +10,7 @@ namespace
 {
 
 constexpr std::size_t LineLength = 16;
+constexpr int Hexadecimal = 16;
 
 bool isPrintable(char byte)
 {
@@ -44,6 +46,36 @@ std::string printable(std::string_view bytes)
         }
     }
     return out.str();
+}
+
+std::string hexText(std::string_view bytes)
+{
+    constexpr const char* digits = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text.push_back(digits[value / Hexadecimal]);
+        text.push_back(digits[value % Hexadecimal]);
+    }
+    return text;
+}
+
+std::optional<std::string> bytesOfHex(std::string_view text)
+{
+    if (text.size() % 2 != 0) {
+        return std::nullopt;
+    }
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const char* const end = text.data() + i + 2;
+        unsigned char value = 0;
+        const auto result = std::from_chars(text.data() + i, end, value, Hexadecimal);
+        if (result.ec != std::errc() || result.ptr != end) {
+            return std::nullopt;
+        }
+        bytes.push_back(static_cast<char>(value));
+    }
+    return bytes;
 }
 
 std::string errorText(int error)

@@ -1,11 +1,18 @@
 #ifndef TOOLS_COMMON_TEXT_H
 #define TOOLS_COMMON_TEXT_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 /** The bytes as printable text: anything else is written "\xNN", a backslash twice. */
 std::string printable(std::string_view bytes);
+
+/** Two hexadecimal digits for each byte. */
+std::string hexText(std::string_view bytes);
+
+/** The bytes that such a text stands for; nothing for any other. */
+std::optional<std::string> bytesOfHex(std::string_view text);
 
 /** The text of an error's number. */
 std::string errorText(int error);

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 
+#include "SharedMemory.h"
 #include "Text.h"
 #include "evidence/KernelImage.h"
 #include "evidence/SharedNames.h"

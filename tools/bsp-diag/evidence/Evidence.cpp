@@ -44,8 +44,8 @@ Evidence::Evidence(const Places& where, std::chrono::milliseconds watch)
       resetCause(::resetCause()), coldMarker(::access(where.coldMarker().c_str(), F_OK) == 0),
       processes(where), names(lookAtSharedNames(where, processes, dtcm, watch)),
       held(watchLocks(names, dtcm, watch)), kernelImage(lookAtKernelImage(where, processes)),
-      settings(readSettings()), whySettingsNotWritable(whyNotWritable()), leds(lookAtLeds(where)),
-      system(lookAtSystem(where, processes))
+      settings(facts::readSettings()), whySettingsNotWritable(whyNotWritable()),
+      leds(lookAtLeds(where)), system(lookAtSystem(where, processes))
 {}
 
 bool Evidence::willBeCleared() const

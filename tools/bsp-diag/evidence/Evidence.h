@@ -1,6 +1,7 @@
 #ifndef TOOLS_DIAG_EVIDENCE_EVIDENCE_H
 #define TOOLS_DIAG_EVIDENCE_EVIDENCE_H
 
+#include "BoardFacts.h"
 #include "BspEnumerations.h"
 #include "evidence/Devices.h"
 #include "evidence/Eeprom.h"

@@ -1,5 +1,7 @@
 #include "evidence/KernelImage.h"
 
+#include "SharedMemory.h"
+
 #include <cstdlib>
 #include <ctime>
 #include <fstream>

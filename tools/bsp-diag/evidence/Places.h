@@ -22,12 +22,4 @@ struct Places
     }
 };
 
-/** The files in the shared memory that are the layer's. */
-namespace sharedname
-{
-constexpr const char* Semaphore = "sem.DtcmDbSharedSem";
-constexpr const char* SyncArea = "DtcmSync";
-constexpr const char* KernelImage = "zImage_tmp";
-} // namespace sharedname
-
 #endif

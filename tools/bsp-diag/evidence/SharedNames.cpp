@@ -1,5 +1,7 @@
 #include "evidence/SharedNames.h"
 
+#include "SharedMemory.h"
+
 #include <algorithm>
 #include <functional>
 #include <initializer_list>

@@ -1,27 +1,11 @@
 #include "evidence/Store.h"
 
-#include "NxuConfig.h"
 #include "Text.h"
 #include "evidence/BoardFiles.h"
 
 #include <cerrno>
-#include <exception>
 
 #include <unistd.h>
-
-Reading<facts::Settings> readSettings()
-{
-    try {
-        const os::bsp::NxuConfig config;
-        facts::Settings settings;
-        for (const std::string& key : {os::bsp::key::FpgaVariant, os::bsp::key::RadiolinkMode}) {
-            settings[key] = config.get(key);
-        }
-        return settings;
-    } catch (const std::exception& error) {
-        return Reading<facts::Settings>::unknown(error.what());
-    }
-}
 
 std::optional<std::string> whyNotWritable()
 {

@@ -1,6 +1,7 @@
 #include "board/CapsuleBoard.h"
 
 #include "Led.h"
+#include "SharedMemory.h"
 #include "WarmArea.h"
 #include "WarmLayout.h"
 #include "board/Board.h"
@@ -146,14 +147,12 @@ void putShared(const Directory& directory, const std::string& name, const std::s
 
 void putSharedMemory(const Directory& board, const capsule::Contents& contents, Remarks& remarks)
 {
-    constexpr const char* semaphore = "sem.DtcmDbSharedSem";
-    const std::string mutexes = std::string(dtcm::SyncAreaName).substr(1);
     const Directory directory = need(board, entry::SharedMemory);
     for (const capsule::SharedFile& file : contents.sharedFiles) {
-        if (file.name == semaphore) {
+        if (file.name == sharedname::Semaphore) {
             putShared(directory, file.name,
                       semaphoreBytes(contents.semaphore.isKnown() ? *contents.semaphore : 1));
-        } else if (file.name == mutexes) {
+        } else if (file.name == sharedname::SyncArea) {
             std::string slots;
             for (unsigned int block = 0; block < dtcm::NumberOfBlocks; ++block) {
                 slots += bytesOf(sharedMutex());

@@ -3,7 +3,7 @@
 #include "BoardFacts.h"
 #include "Bsp.h"
 #include "Led.h"
-#include "NxuConfig.h"
+#include "SharedMemory.h"
 #include "board/Files.h"
 
 #include <cstdlib>
@@ -20,16 +20,6 @@ template <typename Read> auto readingOf(const Read& read)
     } catch (const std::exception& failure) {
         return Reading<Value>::unknown(failure.what());
     }
-}
-
-facts::Settings namedSettings()
-{
-    const os::bsp::NxuConfig config;
-    facts::Settings settings;
-    for (const std::string& key : {os::bsp::key::FpgaVariant, os::bsp::key::RadiolinkMode}) {
-        settings[key] = config.get(key);
-    }
-    return settings;
 }
 
 /** The layer looks at the host's mark here, where it looks at the board's on the board. */
@@ -57,7 +47,7 @@ void writeBoardDocument(std::ostream& out, const Board& board)
     raw.resetCause = readingOf([&] { return resetCauseOf(board); });
     raw.coldMarker = files::isThere(board.coldMarker());
     raw.resetType = resetTypeOf(raw);
-    raw.settings = readingOf(namedSettings);
+    raw.settings = facts::readSettings();
     constexpr std::size_t longestState = 64;
     for (unsigned int led = 0; led < NoOfLeds; ++led) {
         const std::string name = Led_objectToName(led);
@@ -66,7 +56,7 @@ void writeBoardDocument(std::ostream& out, const Board& board)
                             })});
     }
     raw.warmArea = readingOf([&] { return files::readExactly(board.dtcm(), Board::DtcmSize); });
-    raw.isWarmAreaInUse = files::isThere(board.sharedMemory() / "sem.DtcmDbSharedSem");
+    raw.isWarmAreaInUse = files::isThere(board.sharedMemory() / sharedname::Semaphore);
     Json document = facts::document("board");
     document["board"] = facts::boardFacts(raw);
     out << facts::textOf(document);
