@@ -31,6 +31,12 @@ void stayOnOneProcessor()
     ::sched_setaffinity(0, sizeof processors, &processors);
 }
 
+/** How many there are of the others depends on the heap's state, and on chance. */
+bool isCounted(long systemCall)
+{
+    return systemCall != SYS_brk && systemCall != SYS_getrandom;
+}
+
 /** A process that has stopped in front of its work. */
 class Stepped
 {
@@ -61,14 +67,14 @@ public:
 
     bool isThere() const { return m_isThere; }
 
-    /** Whether the next instruction is a system call, but for those of the heap. */
+    /** Whether the next instruction is a system call that counts. */
     bool isAtSystemCall() const
     {
         constexpr long SyscallInstruction = 0x050F;
         const long place = registerAt(offsetof(user_regs_struct, rip));
         return (::ptrace(PTRACE_PEEKTEXT, m_process, place, nullptr) & 0xFFFF) ==
                    SyscallInstruction &&
-               registerAt(offsetof(user_regs_struct, rax)) != SYS_brk;
+               isCounted(registerAt(offsetof(user_regs_struct, rax)));
     }
 
     void step()
@@ -77,13 +83,13 @@ public:
         wait();
     }
 
-    /** Goes on until the next system call is done, but for those of the heap. */
+    /** Goes on until the next system call that counts is done. */
     void passSystemCall()
     {
-        bool isOfHeap = true;
-        while (isOfHeap) {
+        bool isPassed = false;
+        while (!isPassed) {
             goToSystemCall();
-            isOfHeap = registerAt(offsetof(user_regs_struct, orig_rax)) == SYS_brk;
+            isPassed = isCounted(registerAt(offsetof(user_regs_struct, orig_rax)));
             goToSystemCall();
         }
     }

@@ -19,8 +19,8 @@ struct Work
 };
 
 /**
- * Called before the first and behind each instruction, with whether that was a system call. Those
- * of the heap do not count: whether there are any depends on what the process has inherited.
+ * Called before the first and behind each instruction, with whether that was a system call. brk and
+ * getrandom do not count: how many there are depends on the heap and on chance.
  */
 using Look = std::function<void(bool isSystemCall)>;
 
