@@ -2,6 +2,7 @@
 
 #include "DiagTest.h"
 #include "Namespaces.h"
+#include "Sanitizers.h"
 
 #include <filesystem>
 
@@ -92,6 +93,9 @@ TEST_F(UsersOfNames, AreNotTakenForNobodyWhereTheyAreHidden)
 
 TEST_F(UsersOfNames, AreNotTakenForNobodyWhereNoneCanBeSeen)
 {
+    if (testsupport::isSanitized("address")) {
+        GTEST_SKIP() << "the sanitizer cannot do without /proc";
+    }
     StoreUser(board(), {"open"}).kill();
     const auto withoutProc = [this](Words words) {
         testsupport::Program program = diag(std::move(words));
