@@ -18,7 +18,7 @@ using faults::ProgramRun;
 struct Cost
 {
     std::size_t systemCalls; /**< From the beginning of main to the end, without the heap's. */
-    long pageFaults;         /**< From the start of the program; the boot loader image has 193 pages. */
+    long pageFaults;         /**< From the program's start; the boot loader image has 193 pages. */
 };
 
 const std::map<std::string, Cost>& costs()

@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <random>
 #include <stdexcept>
 
 namespace
