@@ -379,7 +379,6 @@ const std::vector<std::string> WithoutLock{
     "WarmDatabase without",
     "os::bsp::dtcm::WarmDatabase::getInstance",
     "os::bsp::dtcm::WarmDatabase::getNumber",
-    "os::bsp::dtcm::WarmDatabase::getObjectSync",
     "os::bsp::dtcm::WarmDatabase::logNames",
     "os::bsp::dtcm::WarmDatabase::validate",
 };

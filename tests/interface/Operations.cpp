@@ -305,7 +305,12 @@ const std::vector<Operation>& operations()
          " const&, void**, unsigned int, std::mutex**, bool&)",
          getObjectData},
         {"os::bsp::dtcm::WarmDatabase::getObjectSyncPointer(" STRING " const&)",
-         [](Answer& answer) { answer << (database().getObjectSyncPointer("NONE") == nullptr); }},
+         [](Answer& answer) {
+             // It takes no lock: the caller holds the semaphore.
+             database().lock();
+             answer << (database().getObjectSyncPointer("NONE") == nullptr);
+             database().unlock();
+         }},
         {"os::bsp::dtcm::WarmDatabase::lock()", lockedAndUnlocked},
         {"os::bsp::dtcm::WarmDatabase::logNamesOfUsedBlocks() const",
          [](Answer& answer) {

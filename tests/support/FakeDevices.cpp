@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <mutex>
 #include <stdexcept>
 #include <system_error>
 
@@ -42,7 +43,7 @@ public:
     int read(std::size_t offset, Register& value) override
     {
         ++control().reads;
-        control().offset = offset;
+        __atomic_store_n(&control().offset, offset, __ATOMIC_RELAXED);
         if (control().readFails) {
             return -1;
         }
@@ -120,7 +121,7 @@ class PthreadMutex::Implementation
 
 PthreadMutex::PthreadMutex(int type)
 {
-    fakedevices::control().mutexType = type;
+    __atomic_store_n(&fakedevices::control().mutexType, type, __ATOMIC_RELAXED);
 }
 
 PthreadMutex::~PthreadMutex() = default;
@@ -142,7 +143,11 @@ std::unique_ptr<IDevice> Factory::createUnique(const std::string& name,
         control.onCreate();
     }
     const testsupport::PlatformScope scope;
-    control.name = name;
+    static std::mutex& naming = *new std::mutex;
+    {
+        const std::lock_guard<std::mutex> guard(naming);
+        control.name = name;
+    }
     if (dynamic_cast<PthreadMutex*>(mutex.get()) == nullptr) {
         control.mutexType = -1;
     }

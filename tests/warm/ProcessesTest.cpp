@@ -15,7 +15,10 @@ namespace
 
 using namespace testsupport;
 
-constexpr int NumberOfStarters = 50;
+constexpr int NumberOfStarters = 100;
+/** Processes of another processor, or with a sanitizer, take long to start. */
+constexpr bool AreSlow = sizeof(BSP_TEST_EMULATOR BSP_TEST_SANITIZERS) > 1;
+constexpr int Storms = AreSlow ? 1 : 3;
 
 /** Runs the program in C on a board. */
 Outcome read(const Board& board, const std::string& name)
@@ -31,6 +34,46 @@ bool namesExist()
 {
     return std::filesystem::exists("/dev/shm/sem.DtcmDbSharedSem") ||
            std::filesystem::exists("/dev/shm/DtcmSync");
+}
+
+/** Many processes start at once, of which one creates an object; then all end. */
+void storm()
+{
+    std::array<int, 2> gate{};
+    ASSERT_EQ(::pipe2(gate.data(), O_CLOEXEC), 0);
+    std::vector<std::unique_ptr<WarmProcess>> processes;
+    for (int i = 0; i < NumberOfStarters; ++i) {
+        processes.push_back(std::make_unique<WarmProcess>(nxu4("0"), gate[0]));
+        processes.back()->tell("gate 9");
+        processes.back()->tell("get RACE 8");
+    }
+    ::close(gate[0]);
+    ::close(gate[1]);
+    WarmProcess* creator = nullptr;
+    int found = 0;
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->answer(), "ok");
+        const std::string answer = process->answer();
+        if (answer == "created") {
+            EXPECT_EQ(creator, nullptr) << "two processes created it";
+            creator = process.get();
+        } else {
+            EXPECT_EQ(answer, "found");
+            ++found;
+        }
+    }
+    ASSERT_NE(creator, nullptr);
+    EXPECT_EQ(found, NumberOfStarters - 1);
+    creator->ask("write winner");
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->ask("read"), "winner");
+        EXPECT_EQ(process->ask("free"), "31");
+        EXPECT_EQ(process->ask("errors"), "");
+    }
+    for (const auto& process : processes) {
+        EXPECT_EQ(process->exit(), 0);
+    }
+    EXPECT_FALSE(namesExist());
 }
 
 TEST(Processes, OfDifferentProgramsShareAnObject)
@@ -71,41 +114,10 @@ TEST(Processes, FindAHeldMutexHeld)
 
 TEST(Processes, StartingTogetherCreateAnObjectOnce)
 {
-    std::array<int, 2> gate{};
-    ASSERT_EQ(::pipe2(gate.data(), O_CLOEXEC), 0);
-    std::vector<std::unique_ptr<WarmProcess>> processes;
-    for (int i = 0; i < NumberOfStarters; ++i) {
-        processes.push_back(std::make_unique<WarmProcess>(nxu4("0"), gate[0]));
-        processes.back()->tell("gate 9");
-        processes.back()->tell("get RACE 8");
+    for (int round = 0; round < Storms && !HasFailure(); ++round) {
+        SCOPED_TRACE("storm " + std::to_string(round));
+        storm();
     }
-    ::close(gate[0]);
-    ::close(gate[1]);
-    WarmProcess* creator = nullptr;
-    int found = 0;
-    for (const auto& process : processes) {
-        EXPECT_EQ(process->answer(), "ok");
-        const std::string answer = process->answer();
-        if (answer == "created") {
-            EXPECT_EQ(creator, nullptr) << "two processes created it";
-            creator = process.get();
-        } else {
-            EXPECT_EQ(answer, "found");
-            ++found;
-        }
-    }
-    ASSERT_NE(creator, nullptr);
-    EXPECT_EQ(found, NumberOfStarters - 1);
-    creator->ask("write winner");
-    for (const auto& process : processes) {
-        EXPECT_EQ(process->ask("read"), "winner");
-        EXPECT_EQ(process->ask("free"), "31");
-        EXPECT_EQ(process->ask("errors"), "");
-    }
-    for (const auto& process : processes) {
-        EXPECT_EQ(process->exit(), 0);
-    }
-    EXPECT_FALSE(namesExist());
 }
 
 TEST(Processes, ShareTheSlotId)
