@@ -27,7 +27,7 @@ set(ENV{PKG_CONFIG_LIBDIR}
 
 # A shared library of the system root may need another one.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
-  -Wl,-rpath-link,${bsp_target_sysroot}/usr/lib/arm-linux-gnueabihf)
+  "-Wl,-rpath-link,\"${bsp_target_sysroot}/usr/lib/arm-linux-gnueabihf\"")
 
 # For tests only.
 find_program(BSP_QEMU_ARM qemu-arm)
