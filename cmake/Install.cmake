@@ -22,7 +22,8 @@ install(FILES ${BSP_HW_VARIANT_HEADER}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/bsp COMPONENT development)
 
 if(BSP_BUILD_TOOLS)
-  install(TARGETS bsp_tool bsp_diag RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  set(bsp_programs bsp_tool bsp_diag)
+  install(TARGETS ${bsp_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(FILES ${PROJECT_BINARY_DIR}/bin/led ${PROJECT_BINARY_DIR}/bin/rstate
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   set(bsp_manual ${PROJECT_SOURCE_DIR}/docs/man)
@@ -33,6 +34,7 @@ if(BSP_BUILD_TOOLS)
   # There are boards to make only where the stand-ins serve them.
   if(TARGET bsp_board)
     install(TARGETS bsp_board RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    list(APPEND bsp_programs bsp_board)
     install(FILES ${bsp_manual}/bsp-board.1
       DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     install(FILES ${bsp_manual}/board-directory.5
@@ -74,3 +76,6 @@ install(FILES
   ${PROJECT_BINARY_DIR}/packaging/bspConfig.cmake
   ${PROJECT_BINARY_DIR}/packaging/bspConfigVersion.cmake
   DESTINATION ${bsp_cmake_dir} COMPONENT development)
+
+# For who wants nothing but that.
+add_custom_target(bsp_installed DEPENDS bsp ${bsp_stand_ins} ${bsp_archives} ${bsp_programs})
