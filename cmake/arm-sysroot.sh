@@ -24,6 +24,7 @@ fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM
 mkdir -p "$work/lists/partial" "$work/archives/partial" "$work/debs"
 : > "$work/status"
 
