@@ -10,9 +10,9 @@
  * it.
  * - findBanner: mapping the temporary file and finding the banner in it.
  *
- * The last three are what the whole call does beside inflating. Each on two images: "real", a
- * kernel as its own build compressed it, and "made", 24 MiB of machine code. The banner is about
- * halfway in both.
+ * The last three are what the whole call does beside inflating. Each on a real kernel, as its own
+ * build compressed it (0 MiB), and on made ones, machine code of so many MiB. The banner is about
+ * halfway.
  */
 #include "Bsp.h"
 #include "Files.h"
@@ -26,12 +26,12 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <map>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include <fcntl.h>
 #include <zlib.h>
@@ -95,9 +95,8 @@ Image realImage()
 }
 
 /** The real kernel over and over, its banners spoilt, with one banner halfway. */
-Image madeImage(const testsupport::TemporaryDirectory& directory)
+Image madeImage(const testsupport::TemporaryDirectory& directory, std::size_t size)
 {
-    constexpr std::size_t Size = 24U << 20U;
     std::string kernel = realImage().inflated;
     for (std::size_t i = kernel.find("Linux version"); i != std::string::npos;
          i = kernel.find("Linux version"))
@@ -105,12 +104,13 @@ Image madeImage(const testsupport::TemporaryDirectory& directory)
         kernel[i + 1] = 'I';
     }
     std::string contents;
-    while (contents.size() < Size) {
+    while (contents.size() < size) {
         contents += kernel;
     }
-    contents.insert(Size / 2, "Linux version 3.10.104.R2B05 (");
+    contents.resize(size);
+    contents.insert(size / 2, "Linux version 3.10.104.R2B05 (");
     const std::string stream = firmware::gzip(contents);
-    const std::string path = directory.file("made");
+    const std::string path = directory.file("made" + std::to_string(size));
     testsupport::writeFile(path, std::string(18000, '\0') + stream);
     return {path, stream, contents, "R2B05"};
 }
@@ -122,8 +122,23 @@ template <typename Work> double secondsOf(Work work)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-void wholeCall(benchmark::State& state, const Image& image)
+/** The real image for 0, else a made one of so many MiB. */
+const Image& imageOf(std::int64_t mebibytes)
 {
+    static const testsupport::TemporaryDirectory directory;
+    static std::map<std::int64_t, Image> images;
+    auto found = images.find(mebibytes);
+    if (found == images.end()) {
+        const std::size_t size = static_cast<std::size_t>(mebibytes) << 20U;
+        found =
+            images.emplace(mebibytes, size == 0 ? realImage() : madeImage(directory, size)).first;
+    }
+    return found->second;
+}
+
+void wholeCall(benchmark::State& state)
+{
+    const Image& image = imageOf(state.range(0));
     double call = std::numeric_limits<double>::max();
     double inflation = call;
     std::array<char, os::bsp::KernelRStateSize> rstate{};
@@ -138,13 +153,14 @@ void wholeCall(benchmark::State& state, const Image& image)
         }
         state.SetIterationTime(time);
     }
-    state.counters["inflate_ms"] = inflation * 1e3;
+    state.counters["limit_ms"] = inflation * 1e3;
     state.counters["call_ms"] = call * 1e3;
     state.counters["ratio"] = call / inflation;
 }
 
-void readImage(benchmark::State& state, const Image& image)
+void readImage(benchmark::State& state)
 {
+    const Image& image = imageOf(state.range(0));
     std::array<char, ChunkSize> chunk;
     for (auto _ : state) {
         const syscalls::FileDescriptor fd(::open(image.path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -161,16 +177,18 @@ void writeChunks(const Image& image, std::FILE* file)
     }
 }
 
-void writeTemporaryFile(benchmark::State& state, const Image& image)
+void writeTemporaryFile(benchmark::State& state)
 {
+    const Image& image = imageOf(state.range(0));
     for (auto _ : state) {
         const TemporaryFile file(TemporaryName);
         writeChunks(image, file.stream());
     }
 }
 
-void findBanner(benchmark::State& state, const Image& image)
+void findBanner(benchmark::State& state)
 {
+    const Image& image = imageOf(state.range(0));
     const TemporaryFile file(TemporaryName);
     writeChunks(image, file.stream());
     std::array<char, os::bsp::KernelRStateSize> rstate{};
@@ -179,28 +197,18 @@ void findBanner(benchmark::State& state, const Image& image)
     }
 }
 
-const testsupport::TemporaryDirectory directory;
+constexpr std::int64_t Real = 0;
+constexpr std::int64_t Made = 16;
 
-const bool registered = [] {
-    static const Image real = realImage();
-    static const Image made = madeImage(directory);
-    const std::map<std::string, void (*)(benchmark::State&, const Image&)> steps{
-        {"readImage", readImage},
-        {"writeTemporaryFile", writeTemporaryFile},
-        {"findBanner", findBanner},
-    };
-    for (const auto& [name, image] :
-         {std::pair<std::string, const Image*>{"real", &real}, {"made", &made}})
-    {
-        benchmark::RegisterBenchmark(("wholeCall/" + name).c_str(), wholeCall, *image)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
-        for (const auto& [step, function] : steps) {
-            benchmark::RegisterBenchmark((step + ('/' + name)).c_str(), function, *image)
-                ->Unit(benchmark::kMillisecond);
-        }
-    }
-    return true;
-}();
+BENCHMARK(wholeCall)
+    ->ArgName("MiB")
+    ->Arg(Real)
+    ->RangeMultiplier(4)
+    ->Range(1, 64)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(readImage)->ArgName("MiB")->Arg(Real)->Arg(Made)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeTemporaryFile)->ArgName("MiB")->Arg(Real)->Arg(Made)->Unit(benchmark::kMillisecond);
+BENCHMARK(findBanner)->ArgName("MiB")->Arg(Real)->Arg(Made)->Unit(benchmark::kMillisecond);
 
 } // namespace
