@@ -9,6 +9,7 @@
 #include "FakeBoard.h"
 #include "FakeDevices.h"
 #include "Files.h"
+#include "Namespaces.h"
 #include "RecordingTrace.h"
 #include "SharedState.h"
 #include "SteppedProcess.h"
@@ -136,6 +137,13 @@ protected:
         }
     }
     ~WarmCrash() override { restart(); }
+
+    void SetUp() override
+    {
+        if (!testsupport::haveNamespaces()) {
+            GTEST_SKIP() << testsupport::NoNamespaces << "a traced program cannot be traced again";
+        }
+    }
 
     static Work work() { return {GetParam().before, GetParam().work}; }
 

@@ -9,6 +9,7 @@
 #include "FailureRows.h"
 #include "FaultCases.h"
 #include "FaultyProcess.h"
+#include "Namespaces.h"
 
 #include <gmock/gmock.h>
 
@@ -55,6 +56,13 @@ bool keepsName(const std::string& call)
 class InterfaceFaults : public testing::TestWithParam<const char*>
 {
 protected:
+    void SetUp() override
+    {
+        if (interface::isTraced()) {
+            GTEST_SKIP() << testsupport::NoNamespaces << interface::NeedsNoTracer;
+        }
+    }
+
     void expectRow(const Outcome& normal, const Outcome& faulty, const FailureRow& row, int value)
     {
         ++m_hits[&row];

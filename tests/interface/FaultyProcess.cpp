@@ -164,6 +164,12 @@ std::vector<std::string> linesOf(const std::string& text)
 
 } // namespace
 
+bool isTraced()
+{
+    const char* const isolation = std::getenv("BSP_TEST_ISOLATION");
+    return isolation != nullptr && std::strcmp(isolation, "proot") == 0;
+}
+
 void keepMessage(const recordingtrace::Message& message)
 {
     Report& report = sharedReport();

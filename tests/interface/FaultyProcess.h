@@ -42,6 +42,10 @@ struct Outcome
     std::vector<std::string> left;     /**< Names, after its end. */
 };
 
+/** Whether the board is shown by a tracer, where there are no namespaces. */
+bool isTraced();
+constexpr const char* NeedsNoTracer = "under a tracer a process that waits looks like any other";
+
 /** Keeps a message for the outcome. */
 void keepMessage(const recordingtrace::Message& message);
 
