@@ -50,7 +50,7 @@ bool MessageText::reserve(std::size_t size) noexcept
     const std::size_t capacity = 2 * std::max(m_capacity, size);
     std::unique_ptr<char[]> buffer(new (std::nothrow) char[capacity]);
     if (!buffer) {
-        lose();
+        m_isLost = true;
         return false;
     }
     std::memcpy(buffer.get(), m_text, m_size);
@@ -58,12 +58,6 @@ bool MessageText::reserve(std::size_t size) noexcept
     m_text = m_largerBuffer.get();
     m_capacity = capacity;
     return true;
-}
-
-void MessageText::lose() noexcept
-{
-    m_isLost = true;
-    m_size = 0;
 }
 
 } // namespace trace

@@ -40,13 +40,12 @@ public:
     }
 
     bool isLost() const noexcept { return m_isLost; }
-    /** The text so far; empty when it is lost. */
+    /** The text so far, unless it is lost. */
     std::string_view view() const noexcept { return {m_text, m_size}; }
 
 private:
     template <typename Number> MessageText& addNumber(Number number) noexcept;
     bool reserve(std::size_t size) noexcept;
-    void lose() noexcept;
 
     std::array<char, 512> m_buffer;
     std::unique_ptr<char[]> m_largerBuffer;

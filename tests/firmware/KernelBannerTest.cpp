@@ -54,6 +54,12 @@ TEST(KernelBanner, HasTheRStateAsTheVersionsFourthField)
         {"Linux version 1.2.3.R1A01-rc1", found("R1A01")},
         {"Linux version 1.2.3.4.5", found("4")},
         {"Linux version 1.2.3.R1_A", found("R1")},
+        {"Linux version 1.2.3.R1/A", found("R1")},
+        {"Linux version 1.2.3.R1:A", found("R1")},
+        {"Linux version 1.2.3.R1@A", found("R1")},
+        {"Linux version 1.2.3.R1[A", found("R1")},
+        {"Linux version 1.2.3.R1`A", found("R1")},
+        {"Linux version 1.2.3.R1{A", found("R1")},
         {"Linux version 1.2.3.zZ09aA", found("zZ09aA")},
         {"Linux version 1.2.3.R1" + nul + "A01", found("R1")},
     });

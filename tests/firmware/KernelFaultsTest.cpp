@@ -124,6 +124,8 @@ TEST_F(KernelFaults, TheImageIsPositionedTwice)
 TEST_F(KernelFaults, AFailingSeekIsSurvived)
 {
     hooks().fseek = [](std::FILE* file, long offset, int whence) {
+        EXPECT_EQ(offset, 0);
+        EXPECT_EQ(whence, SEEK_SET);
         EXPECT_EQ(real().fseek(file, offset, whence), 0);
         return fail(EFBIG);
     };

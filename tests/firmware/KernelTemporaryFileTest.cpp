@@ -142,8 +142,13 @@ TEST_F(KernelTemporaryFile, OneThatCannotBeLookedAtIsNotUsedAndLeavesNothing)
 TEST_F(KernelTemporaryFile, OneOfItsOwnThatCannotBeEmptiedIsNotUsedAndStays)
 {
     writeFile(TemporaryImage, "left behind");
-    hooks().ftruncate = [](int, off_t) { return fail(EIO); };
+    int tries = 0;
+    hooks().ftruncate = [&](int, off_t) {
+        ++tries;
+        return fail(EIO);
+    };
     EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(tries, 1);
     EXPECT_EQ(testsupport::readFile(TemporaryImage), "left behind");
     EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
     std::filesystem::remove(TemporaryImage);

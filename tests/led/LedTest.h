@@ -44,7 +44,7 @@ public:
         systemcalls::queue("write", writes);
         systemcalls::queue("close", closes);
         systemcalls::hooks().open = [](const char* path, int flags, mode_t /*mode*/) {
-            EXPECT_EQ(flags & ~O_CLOEXEC, O_WRONLY) << path;
+            EXPECT_EQ(flags, O_WRONLY | O_CLOEXEC) << path;
             return call("open", path);
         };
         systemcalls::hooks().write = [](int fd, const void* data, std::size_t size) -> ssize_t {
