@@ -163,6 +163,20 @@ TEST_F(KernelTemporaryFile, ANameThatCannotBeLookedAtEndsTheCall)
     std::filesystem::remove(TemporaryImage);
 }
 
+TEST_F(KernelTemporaryFile, ANameThatIsNoFilesIsLookedAtOnce)
+{
+    std::filesystem::create_directory(TemporaryImage);
+    int looks = 0;
+    hooks().lstat = [&](const char* path, struct stat* status) {
+        ++looks;
+        return real().lstat(path, status);
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(looks, 1);
+    EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
+    std::filesystem::remove(TemporaryImage);
+}
+
 TEST_F(KernelTemporaryFile, ANameThatIsGoneMeanwhileIsMadeAnew)
 {
     writeFile(TemporaryImage, "left behind");
