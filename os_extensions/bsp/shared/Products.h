@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief The products: a row for each. For the layer and for the simulator.
+ * @brief The products: a row for each. For the layer and the tools.
  */
 #ifndef BSP_SHARED_PRODUCTS_H
 #define BSP_SHARED_PRODUCTS_H

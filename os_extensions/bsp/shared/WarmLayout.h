@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief What is where in the warm area, for the layer and for the simulator. Programs of all
+ * @brief What is where in the warm area, for the layer and the tools. Programs of all
  * versions share the area: nothing in here can change.
  */
 #ifndef BSP_SHARED_WARMLAYOUT_H
