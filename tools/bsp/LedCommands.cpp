@@ -9,6 +9,7 @@ namespace
 
 constexpr unsigned int LedCount = 3;   // also the number of no LED
 constexpr unsigned int StateCount = 7; // also the number of no state
+static_assert(LedCount == NoOfLeds && StateCount == NoOfLedStates, "the handler lists all of them");
 
 void listLedsAndStates()
 {
