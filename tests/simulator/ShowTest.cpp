@@ -257,6 +257,13 @@ TEST_F(Show, NamesWhatIsBroken)
               "Warm area       'b/top.dtcm0' has 32767 bytes instead of 32768\n");
 }
 
+TEST_F(Show, DoesNotWaitForWhatIsNoFile)
+{
+    fs::remove(file("b/eeprom"));
+    ASSERT_EQ(::mkfifo(file("b/eeprom").c_str(), 0600), 0);
+    EXPECT_THAT(show(), StartsWith("Hardware code   'b/eeprom' has 0 bytes instead of 8\n"));
+}
+
 TEST_F(Show, NamesAStoreOfAnEarlierVersion)
 {
     write("b/config.mdb", "database");
