@@ -2,8 +2,8 @@
 
 #include "Bsp.h"
 #include "Files.h"
+#include "SharedMutex.h"
 #include "WarmDatabase.h"
-#include "warm/SharedMutex.h"
 
 #include <cstdlib>
 #include <stdexcept>

@@ -2,6 +2,7 @@
 
 #include "Led.h"
 #include "SharedMemory.h"
+#include "SharedMutex.h"
 #include "WarmArea.h"
 #include "WarmLayout.h"
 #include "board/Board.h"
@@ -29,11 +30,7 @@ pthread_mutex_t sharedMutex()
 {
     pthread_mutex_t mutex;
     std::memset(&mutex, 0, sizeof mutex);
-    pthread_mutexattr_t attributes;
-    ::pthread_mutexattr_init(&attributes);
-    ::pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
-    ::pthread_mutex_init(&mutex, &attributes);
-    ::pthread_mutexattr_destroy(&attributes);
+    os::bsp::initSharedMutex(&mutex);
     return mutex;
 }
 

@@ -6,7 +6,7 @@
 #include "Bsp.h"
 #include "DDevIo.h"
 #include "ErrnoText.h"
-#include "warm/SharedMutex.h"
+#include "SharedMutex.h"
 #include "warm/Table.h"
 
 #include <cassert>

@@ -1,6 +1,6 @@
 #include "WarmDatabase.h"
 
-#include "warm/SharedMutex.h"
+#include "SharedMutex.h"
 #include "warm/Table.h"
 
 #include <cerrno>

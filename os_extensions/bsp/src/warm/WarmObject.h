@@ -26,8 +26,8 @@
 #define BSP_SRC_WARM_WARMOBJECT_H
 
 #include "HvxMessage.h"
+#include "SharedMutex.h"
 #include "WarmLayout.h"
-#include "warm/SharedMutex.h"
 
 #include <exception>
 #include <type_traits>

@@ -2,8 +2,8 @@
  * @file
  * @brief Mutexes in memory that processes share.
  */
-#ifndef BSP_SRC_WARM_SHAREDMUTEX_H
-#define BSP_SRC_WARM_SHAREDMUTEX_H
+#ifndef BSP_SHARED_SHAREDMUTEX_H
+#define BSP_SHARED_SHAREDMUTEX_H
 
 #include <mutex>
 
