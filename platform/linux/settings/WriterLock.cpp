@@ -61,7 +61,7 @@ bool WriterLock::tryToLock(const std::optional<struct stat>& status)
         file = make(status);
     }
     if (!file.isOpen()) {
-        // Of another user it may be not yet ours to open, too; it is gone when he is done.
+        // Another user's may not be open to us yet; it goes when that user is done.
         if (errno == EACCES || errno == EEXIST || errno == ENOENT) {
             return false;
         }

@@ -107,7 +107,7 @@ template <typename Kind> std::string_view take(std::string_view& text, Kind isKi
     return taken;
 }
 
-/** Takes what printf's counterpart takes for "%d.", which may have blanks and a sign in front. */
+/** Takes what scanf takes for "%d.", which may have blanks and a sign in front. */
 bool takeNumberAndDot(std::string_view& text)
 {
     take(text, isSpace);

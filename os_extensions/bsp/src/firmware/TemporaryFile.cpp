@@ -111,8 +111,8 @@ syscalls::FileDescriptor make(const char* path)
 }
 
 /**
- * Whether another user's file, which this call has locked, was left behind. If he has just made it
- * he locks it soon; on a busy board that takes a while.
+ * Whether another user's file, which this call has locked, was left behind. Who has just made one
+ * locks it soon; on a busy board that takes a while.
  */
 bool isLeftBehind(int fd, const struct stat& file, const char* path, const Patience& patience)
 {
@@ -162,7 +162,7 @@ bool makeWay(const char* path, const Patience& patience)
         return errno == ENOENT;
     }
     if (patience.isOver()) {
-        // Without its name it is still his, whole.
+        // The user goes on with the file, which only loses its name.
         return removeName(named, path);
     }
     sleepFor(milliseconds(2));

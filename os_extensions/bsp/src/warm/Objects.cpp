@@ -41,9 +41,8 @@ std::mutex* syncSlot(unsigned char* slots, unsigned int index)
 }
 
 /**
- * Messages of retrieveObject and getObjectSyncPointer, which getObjectData writes as well when it
- * does their work. They begin with the name of the function that they are written in, so these
- * functions have the same names. Seldom wanted, they are kept out of the callers' code.
+ * The trace names the function that a message is written in. getObjectData writes those of the
+ * other two as well, so these bear their names. They are cold: kept out of the callers' code.
  */
 class Report
 {
