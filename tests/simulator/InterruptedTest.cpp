@@ -61,7 +61,10 @@ TEST_F(CreateKilled, LeavesNothingThatTheNextOneDoesNotTakeAway)
     });
 }
 
-TEST_F(SimulatorTest, CreateTakesNoOthersDraftAway)
+class CreateLeftovers : public SimulatorTest
+{};
+
+TEST_F(CreateLeftovers, OfOthersAreNotTakenAway)
 {
     for (const char* name : {".bsp-board-held", ".bsp-board-dead"}) {
         fs::create_directory(file(name));
@@ -70,15 +73,15 @@ TEST_F(SimulatorTest, CreateTakesNoOthersDraftAway)
     fs::create_directory(file("keep"));
     write("keep/file", "");
     fs::create_directory_symlink("keep", file(".bsp-board-link"));
-    const int draft = ::open(file(".bsp-board-held").c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(::flock(draft, LOCK_EX), 0);
+    const int stagingDirectory = ::open(file(".bsp-board-held").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(stagingDirectory, LOCK_EX), 0);
     expectQuiet({"create", "b"});
     EXPECT_THAT(entries("."), ElementsAre(".bsp-board-held", ".bsp-board-link", "b", "keep"));
     EXPECT_THAT(entries("keep"), ElementsAre("file"));
-    ::close(draft);
+    ::close(stagingDirectory);
 }
 
-TEST_F(SimulatorTest, CreateTakesNothingAwayWhereOthersGiveTheNames)
+TEST_F(CreateLeftovers, AreNotTakenAwayWhereOthersGiveTheNames)
 {
     fs::create_directory(file("shared"));
     fs::create_directory(file("shared/.bsp-board-mine"));
@@ -180,7 +183,10 @@ INSTANTIATE_TEST_SUITE_P(Of, RestartLinks,
                                          Case{"Marker", "b/tmp/restart_cold", "keep/file"}),
                          [](const auto& each) { return std::string(each.param.name); });
 
-TEST_F(SimulatorTest, RestartWritesThroughNoSecondName)
+class RestartHardLinks : public SimulatorTest
+{};
+
+TEST_F(RestartHardLinks, AreNotWrittenThrough)
 {
     expectQuiet({"create", "b"});
     write("keep", std::string(32768, 'k'));
