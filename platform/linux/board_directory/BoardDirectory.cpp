@@ -40,7 +40,7 @@ bool isDirectory(const std::string& path)
 
 std::string path()
 {
-    std::string chosen = environment("BSP_BOARD_DIR");
+    std::string chosen = environment(Variable);
     if (!chosen.empty()) {
         return chosen;
     }

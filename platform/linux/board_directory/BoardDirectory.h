@@ -12,6 +12,9 @@
 namespace boarddirectory
 {
 
+/** Variable of the environment that gives the board directory. */
+constexpr const char* Variable = "BSP_BOARD_DIR";
+
 /**
  * Path of the board directory: `$BSP_BOARD_DIR`, else the first directory that exists of
  * `$XDG_STATE_HOME/bsp/board`, `$HOME/.local/state/bsp/board` and `/var/lib/bsp/board`. When none

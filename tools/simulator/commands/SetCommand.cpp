@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 
+#include "BoardDirectory.h"
 #include "Bsp.h"
 #include "NxuConfig.h"
 #include "WarmLayout.h"
@@ -124,7 +125,7 @@ void changeSetting(const SetArguments& options)
     if (::fchdir(board.fd()) != 0) {
         throw Failure("cannot use '" + board.name().string() + "'", errno);
     }
-    ::setenv("BSP_BOARD_DIR", ".", 1); // NOLINT(concurrency-mt-unsafe): one thread
+    ::setenv(boarddirectory::Variable, ".", 1); // NOLINT(concurrency-mt-unsafe): one thread
     os::bsp::NxuConfig store;
     if (!(options.clear ? store.clear(options.key) : store.set(options.key, options.value))) {
         throw Failure("the store of '" + board.name().string() + "' does not take '" + options.key +

@@ -1,5 +1,6 @@
 #include "report/BoardDocument.h"
 
+#include "BoardDirectory.h"
 #include "BoardFacts.h"
 #include "Bsp.h"
 #include "Led.h"
@@ -40,7 +41,8 @@ void writeBoardDocument(std::ostream& out, const Board& board)
 {
     // The layer answers here as it does for every program on this board, but for what lies outside
     // the board's directory there.
-    ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    // NOLINTNEXTLINE(concurrency-mt-unsafe)
+    ::setenv(boarddirectory::Variable, board.directory().c_str(), 1);
     facts::RawBoard raw;
     raw.hardwareCode =
         readingOf([&] { return files::readExactly(board.eeprom(), Board::EepromSize); });

@@ -1,5 +1,6 @@
 #include "report/BoardReport.h"
 
+#include "BoardDirectory.h"
 #include "Bsp.h"
 #include "HardwareCode.h"
 #include "Led.h"
@@ -48,7 +49,8 @@ std::string variantText(const Board& board)
 void reportIdentity(std::ostream& out, const Board& board)
 {
     // The layer answers here as it does for every program on this board.
-    ::setenv("BSP_BOARD_DIR", board.directory().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    // NOLINTNEXTLINE(concurrency-mt-unsafe)
+    ::setenv(boarddirectory::Variable, board.directory().c_str(), 1);
     write(out, "Hardware code", answerOrReason([&] {
               return hardwarecode::textOf(files::readExactly(board.eeprom(), Board::EepromSize));
           }));

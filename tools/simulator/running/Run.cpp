@@ -1,5 +1,6 @@
 #include "running/Run.h"
 
+#include "BoardDirectory.h"
 #include "report/Failure.h"
 #include "running/CommandRunner.h"
 #include "running/Executable.h"
@@ -68,7 +69,7 @@ int runIsolated(const Board& board, const std::vector<std::string>& command,
     }
     Launch launch = chooseIsolator(sandbox, board, options.isolation, workingDirectory);
     launch.command = command;
-    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    launch.environment = {{boarddirectory::Variable, board.directory()}};
     if (std::getenv("TMPDIR") != nullptr) { // NOLINT(concurrency-mt-unsafe): one thread
         launch.environment.emplace_back("TMPDIR", "/tmp");
     }
@@ -83,7 +84,7 @@ int runAlone(const Board& board, const std::vector<std::string>& command)
     }
     Launch launch;
     launch.command = command;
-    launch.environment = {{"BSP_BOARD_DIR", board.directory()}};
+    launch.environment = {{boarddirectory::Variable, board.directory()}};
     return supervise(launch);
 }
 
