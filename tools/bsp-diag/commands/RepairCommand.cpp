@@ -34,9 +34,9 @@ struct Thing
 };
 
 constexpr Thing things[] = {
-    {"DtcmDbSharedSem", sharedname::Semaphore},
-    {"DtcmSync", sharedname::SyncArea},
-    {"zImage_tmp", sharedname::KernelImage},
+    {sharedname::lastPartOf(os::bsp::dtcm::SemaphoreName), sharedname::Semaphore},
+    {sharedname::SyncArea, sharedname::SyncArea},
+    {sharedname::KernelImage, sharedname::KernelImage},
 };
 
 const Thing& thingOf(const std::string& name)
@@ -157,7 +157,8 @@ void addRepairCommand(CLI::App& app, int& status)
     const auto options = std::make_shared<RepairArguments>();
     command
         ->add_option("NAME", options->names,
-                     "DtcmDbSharedSem, DtcmSync or zImage_tmp; may be repeated")
+                     std::string(things[0].name) + ", " + things[1].name + " or " + things[2].name +
+                         "; may be repeated")
         ->required();
     command->add_flag("--yes", options->isMeant, "Do it; without, only say what would be done");
     command->add_flag("--ignore-unseen", options->ignoresUnseen,

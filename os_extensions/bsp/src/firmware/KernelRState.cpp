@@ -1,6 +1,7 @@
 #include "Bsp.h"
 #include "BspTrace.h"
 #include "HvxMessage.h"
+#include "InflatedImage.h"
 #include "firmware/ImageFile.h"
 #include "firmware/KernelImage.h"
 #include "firmware/TemporaryFile.h"
@@ -13,13 +14,7 @@
 #include <unistd.h>
 
 using os::bsp::bspTrace;
-
-namespace
-{
-
-constexpr const char* InflatedImage = "/dev/shm/zImage_tmp";
-
-} // namespace
+using os::bsp::InflatedImage;
 
 off_t os::bsp::Bsp_findArchive(int fd)
 {
