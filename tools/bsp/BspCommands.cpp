@@ -1,6 +1,7 @@
 #include "Command.h"
 
 #include "Bsp.h"
+#include "TrafficClientMode.h"
 
 #include <iostream>
 
@@ -83,11 +84,9 @@ std::int32_t clearRadiolinkMode(std::int32_t /*argc*/, char* /*argv*/[])
     return 0;
 }
 
-/** The traffic client mode is no longer stored; it follows from the radio-link mode. */
 std::int32_t getTrafClientMode(std::int32_t /*argc*/, char* /*argv*/[])
 {
-    const bool isRl5 = Bsp_getRadiolinkMode() == static_cast<int>(RadiolinkMode::Rl5);
-    return print(isRl5 ? "Lads" : "Rlps");
+    return print(trafficClientModeOf(static_cast<RadiolinkMode>(Bsp_getRadiolinkMode())));
 }
 
 /** For callers from the time when the traffic client mode was stored. */

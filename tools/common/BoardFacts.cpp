@@ -6,6 +6,7 @@
 #include "NxuConfig.h"
 #include "Products.h"
 #include "Text.h"
+#include "TrafficClientMode.h"
 #include "WarmArea.h"
 
 #include <algorithm>
@@ -71,10 +72,9 @@ Json trafficFpga()
     return fpga;
 }
 
-/** As the tool derives it. */
 Json trafficClientMode()
 {
-    return getRadiolinkMode() == RadiolinkMode::Rl5 ? "Lads" : "Rlps";
+    return trafficClientModeOf(getRadiolinkMode());
 }
 
 Json resetCause(const RawBoard& board)

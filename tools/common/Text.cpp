@@ -1,5 +1,7 @@
 #include "Text.h"
 
+#include "ErrnoText.h"
+
 #include <charconv>
 #include <cstddef>
 #include <iomanip>
@@ -80,7 +82,7 @@ std::optional<std::string> bytesOfHex(std::string_view text)
 
 std::string errorText(int error)
 {
-    return std::generic_category().message(error);
+    return syscalls::errnoText(error).c_str();
 }
 
 std::string hexDump(std::string_view bytes, std::size_t firstOffset)

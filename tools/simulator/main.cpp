@@ -1,6 +1,7 @@
 #include "StandardStreams.h"
 #include "UsageText.h"
 #include "commands/Commands.h"
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/CommandRunner.h"
 
@@ -25,7 +26,7 @@ class NoOutput : public std::streambuf
 
 int report(const std::string& message, int status)
 {
-    std::cerr << "bsp-board: " << message << '\n';
+    complain(message);
     return status;
 }
 

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 
+#include "Hardware.h"
 #include "Text.h"
 #include "capsule/Capture.h"
 #include "evidence/GlibcLocks.h"
@@ -75,7 +76,8 @@ void listContents(const capsule::Contents& contents, const Json& document)
               << ", " << document["wordSize"] << " bits\n"
               << "time: " << document["taken"].get<std::string>() << '\n';
     list("EEPROM", contents.eeprom, "8 bytes");
-    list("warm area", contents.warmArea, "32768 bytes, " + contents.warmAreaTaken);
+    list("warm area", contents.warmArea,
+         std::to_string(hardware::WarmAreaSize) + " bytes, " + contents.warmAreaTaken);
     list("registers", contents.resetCause, "the cause of the last restart");
     list("settings", contents.settings,
          contents.settings.isKnown() ? std::to_string(contents.settings->size()) + " bytes" : "");

@@ -1,13 +1,13 @@
 #include "evidence/Devices.h"
 
 #include "DDevIo.h"
+#include "DeviceMemory.h"
 #include "Hardware.h"
 #include "Text.h"
 #include "WarmLayout.h"
 #include "evidence/BoardFiles.h"
 #include "evidence/SharedFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <memory>
@@ -29,12 +29,7 @@ std::string mappedBytes(const syscalls::FileDescriptor& device)
     if (memory == MAP_FAILED) {
         return "";
     }
-    std::string bytes(AreaSize, '\0');
-    const auto* words = static_cast<const volatile std::uint32_t*>(memory);
-    for (std::size_t offset = 0; offset < AreaSize; offset += sizeof *words) {
-        const std::uint32_t word = words[offset / sizeof *words];
-        std::copy_n(reinterpret_cast<const char*>(&word), sizeof word, bytes.data() + offset);
-    }
+    std::string bytes = bytesOfDevice(memory, AreaSize);
     ::munmap(memory, AreaSize);
     return bytes;
 }

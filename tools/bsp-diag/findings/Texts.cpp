@@ -1,11 +1,15 @@
 #include "findings/Texts.h"
 
+#include "Hardware.h"
+
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
 
 namespace
 {
+
+static_assert(hardware::WarmAreaSize == 32768, "the texts say so");
 
 constexpr const char* RemoveNames = "end the programs that use the store, then: "
                                     "bsp-diag repair --yes DtcmDbSharedSem DtcmSync";

@@ -1,11 +1,10 @@
 #include "board/Files.h"
 
+#include "DeviceMemory.h"
 #include "FullRead.h"
 #include "report/Failure.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -42,13 +41,7 @@ std::string readMapped(const syscalls::FileDescriptor& file, const fs::path& pat
     if (memory == MAP_FAILED) {
         throw Failure("cannot read " + quoted(path), errno);
     }
-    // Registers are whole words, so they are copied by words.
-    std::string contents(size, '\0');
-    const auto* words = static_cast<const volatile std::uint32_t*>(memory);
-    for (std::size_t offset = 0; offset + sizeof *words <= size; offset += sizeof *words) {
-        const std::uint32_t word = words[offset / sizeof *words];
-        std::copy_n(reinterpret_cast<const char*>(&word), sizeof word, contents.data() + offset);
-    }
+    std::string contents = bytesOfDevice(memory, size);
     ::munmap(memory, size);
     return contents;
 }

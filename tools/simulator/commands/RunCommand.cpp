@@ -1,12 +1,12 @@
 #include "commands/Commands.h"
 
 #include "board/BoardAccess.h"
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/ExitStatus.h"
 #include "running/Run.h"
 
 #include <algorithm>
-#include <iostream>
 #include <map>
 #include <memory>
 
@@ -71,7 +71,7 @@ int run(const RunArguments& given, const std::vector<std::string>& commandLine,
                             given.trustOthers ? OtherUsers::Trusted : OtherUsers::Refused);
         return runOnBoard(Board::at(given.directory), commandLine, options);
     } catch (const Failure& failure) {
-        std::cerr << "bsp-board: " << failure.what() << '\n';
+        complain(failure.what());
         return NotStarted;
     }
 }

@@ -1,5 +1,6 @@
 #include "running/CommandRunner.h"
 
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/ExitStatus.h"
 #include "running/Starter.h"
@@ -8,7 +9,6 @@
 #include <charconv>
 #include <csignal>
 #include <cstring>
-#include <iostream>
 #include <optional>
 
 #include <fcntl.h>
@@ -90,8 +90,7 @@ void report(int socket, const char* what, int number)
 [[noreturn]] void becomeCommand(const std::vector<std::string>& command)
 {
     const int error = become(command.front(), command);
-    std::cerr << "bsp-board: " << Failure("cannot run '" + command.front() + "'", error).what()
-              << std::endl;
+    complain(Failure("cannot run '" + command.front() + "'", error).what());
     ::_exit(error == ENOENT ? NotFound : NotRunnable);
 }
 

@@ -1,5 +1,6 @@
 #include "running/Keeper.h"
 
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/ExitStatus.h"
 #include "running/Starter.h"
@@ -8,7 +9,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -156,8 +156,7 @@ int Family::statusWithoutReport() const
         return status == EXIT_FAILURE && !reported("exit-code") ? NotStarted : status;
     case Launch::Through::Proot:
         if (m_command == -1 && !WIFSIGNALED(*m_startedsEnd)) {
-            std::cerr << "bsp-board: " << m_launch.refusal << firstLine(m_started.complaints) << ')'
-                      << std::endl;
+            complain(m_launch.refusal + firstLine(m_started.complaints) + ')');
             return NotStarted;
         }
         return status;

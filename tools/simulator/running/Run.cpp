@@ -1,6 +1,7 @@
 #include "running/Run.h"
 
 #include "BoardDirectory.h"
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/CommandRunner.h"
 #include "running/Executable.h"
@@ -8,7 +9,6 @@
 #include "running/Isolators.h"
 
 #include <cstdlib>
-#include <iostream>
 
 namespace
 {
@@ -46,10 +46,8 @@ int findCommand(Sandbox& sandbox, const std::string& command)
 int reportUnusable(const std::string& command, int error)
 {
     const bool missing = error == ENOENT;
-    std::cerr << "bsp-board: "
-              << (missing ? "cannot run '" + command + "': not found"
-                          : Failure("cannot run '" + command + "'", error).what())
-              << '\n';
+    complain(missing ? "cannot run '" + command + "': not found"
+                     : Failure("cannot run '" + command + "'", error).what());
     return missing ? NotFound : NotRunnable;
 }
 

@@ -1,5 +1,6 @@
 #include "running/Starter.h"
 
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/CommandRunner.h"
 #include "running/ExitStatus.h"
@@ -7,7 +8,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <iostream>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -21,7 +21,7 @@ using Arguments = std::vector<std::string>;
 
 [[noreturn]] void giveUp(const std::string& what, int error)
 {
-    std::cerr << "bsp-board: " << Failure(what, error).what() << std::endl;
+    complain(Failure(what, error).what());
     ::_exit(NotStarted);
 }
 

@@ -1,6 +1,7 @@
 #include "running/Supervisor.h"
 
 #include "FileDescriptor.h"
+#include "report/Complaint.h"
 #include "report/Failure.h"
 #include "running/ExitStatus.h"
 #include "running/Keeper.h"
@@ -8,7 +9,6 @@
 
 #include <array>
 #include <cerrno>
-#include <iostream>
 #include <utility>
 
 #include <sys/socket.h>
@@ -23,7 +23,7 @@ int keepOrComplain(const Launch& launch, syscalls::FileDescriptor orders, const 
     try {
         return keep(launch, std::move(orders), signals);
     } catch (const std::exception& error) {
-        std::cerr << "bsp-board: " << error.what() << std::endl;
+        complain(error.what());
         return NotStarted;
     }
 }
