@@ -152,7 +152,7 @@ Reading<std::string> settingsInFile(const std::string& path)
 Reading<std::string> settingsText(const Evidence& evidence)
 {
     using Text = Reading<std::string>;
-    if (const std::optional<std::string> path = boardFile("settings")) {
+    if (const std::optional<std::string> path = settingsFile()) {
         return settingsInFile(*path);
     }
     if (!evidence.settings.isKnown()) {

@@ -12,6 +12,10 @@
  */
 std::optional<std::string> boardFile(const std::string& entry);
 
+/** The same of the EEPROM and of the settings. */
+std::optional<std::string> eepromFile();
+std::optional<std::string> settingsFile();
+
 /** The file, or else the name, in words: a path can have any bytes. */
 inline std::string placeOf(const std::string& entry)
 {

@@ -9,7 +9,7 @@
 
 std::optional<std::string> whyNotWritable()
 {
-    const std::optional<std::string> file = boardFile("settings");
+    const std::optional<std::string> file = settingsFile();
     if (!file) {
         return std::nullopt;
     }

@@ -9,12 +9,10 @@
 namespace
 {
 
-constexpr const char* Entry = "eeprom";
-
 /** The size of the file behind the EEPROM, when it is one and too short. */
 std::optional<std::uintmax_t> sizeWhenShort()
 {
-    const std::optional<std::string> file = boardFile(Entry);
+    const std::optional<std::string> file = eepromFile();
     std::error_code error;
     if (!file || !std::filesystem::is_regular_file(*file, error)) {
         return std::nullopt;
@@ -38,12 +36,12 @@ void judgeEeprom(const Evidence& evidence, Diagnosis& diagnosis)
 {
     const EepromAnswer& answer = eepromAnswer();
     if (answer.result != 0) {
+        const std::string place = printable(eepromFile().value_or("eeprom"));
         if (const auto size = sizeWhenShort()) {
-            diagnosis.add("eeprom-short",
-                          {{"place", placeOf(Entry)}, {"size", std::to_string(*size)}});
+            diagnosis.add("eeprom-short", {{"place", place}, {"size", std::to_string(*size)}});
         } else {
             diagnosis.add("eeprom-unreadable",
-                          {{"place", placeOf(Entry)}, {"result", std::to_string(answer.result)}});
+                          {{"place", place}, {"result", std::to_string(answer.result)}});
         }
         return;
     }
