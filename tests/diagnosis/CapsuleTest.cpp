@@ -67,24 +67,26 @@ TEST_F(Capsule, ListsWhatWentIntoIt)
     write("settings", "RadiolinkMode=Rl5\n");
     const StoreUser user(board(), {"slot", "5"});
     const std::string bits = std::to_string(sizeof(void*) * 8);
-    EXPECT_EQ(capture(), "versions: bsp-diag/1, " BSP_TEST_VERSION ", " + bits +
-                             " bits\n"
-                             "time: TIME\n"
-                             "EEPROM: 8 bytes\n"
-                             "warm area: 32768 bytes, under its lock\n"
-                             "registers: the cause of the last restart\n"
-                             "settings: 18 bytes\n"
-                             "LED yellow: its state and triggers\n"
-                             "LED red: its state and triggers\n"
-                             "LED green: its state and triggers\n"
-                             "cold marker: whether it is there\n"
-                             "shared memory: sem.DtcmDbSharedSem, its size, mode and user\n"
-                             "shared memory: DtcmSync, its size, mode and user\n"
-                             "semaphore: its value\n"
-                             "held mutexes: 0 in words\n"
-                             "answers of the layer: 22\n"
-                             "findings: 0, with names of processes\n"
-                             "not looked at: 0 in words\n");
+    const std::string listed = "versions: bsp-diag/1, " BSP_TEST_VERSION ", " + bits +
+                               " bits\n"
+                               "time: TIME\n"
+                               "EEPROM: 8 bytes\n"
+                               "warm area: 32768 bytes, under its lock\n"
+                               "registers: the cause of the last restart\n"
+                               "settings: 18 bytes\n"
+                               "LED yellow: its state and triggers\n"
+                               "LED red: its state and triggers\n"
+                               "LED green: its state and triggers\n"
+                               "cold marker: whether it is there\n"
+                               "shared memory: sem.DtcmDbSharedSem, its size, mode and user\n"
+                               "shared memory: DtcmSync, its size, mode and user\n"
+                               "semaphore: its value\n"
+                               "held mutexes: 0 in words\n"
+                               "answers of the layer: 22\n"
+                               "findings: 0, with names of processes\n"
+                               "not looked at: ";
+    // Who is not root cannot see what others' processes have mapped.
+    EXPECT_THAT(capture(), testing::AnyOf(listed + "0 in words\n", listed + "1 in words\n"));
     EXPECT_THAT(names(), testing::IsEmpty()) << "the lock was given back";
 }
 

@@ -43,6 +43,8 @@ TEST_P(RunStatus, TellsTheSignalThatEndedTheCommand)
 
 TEST_P(RunStatus, TellsThatThereIsNoSuchCommand)
 {
+    // Folders that this user may not look into would be the reason.
+    ::setenv("PATH", "/usr/bin:/bin", 1);
     for (const std::string name : {"nosuch", "./nosuch", "/nosuch/command", "b/eeprom/x", "-x", ""})
     {
         expectFailure(boardTool({"run", "b", "--", name}),

@@ -99,7 +99,7 @@ TEST_P(Run, WorksWhereverTheBoardIs)
         expectQuiet({"create", board});
         expectOutput(
             boardTool({"run", board, "--", "sh", "-c",
-                       "echo x > /dev/shm/m; echo x > /tmp/f; cd $BSP_BOARD_DIR/shm && ls m"}),
+                       "echo x > /dev/shm/m; echo x > /tmp/f; cd \"$BSP_BOARD_DIR/shm\" && ls m"}),
             "m\n");
         EXPECT_EQ(readFile(board + "/shm/m"), "x\n");
         EXPECT_EQ(readFile(board + "/tmp/f"), "x\n");
