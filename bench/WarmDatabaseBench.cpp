@@ -233,7 +233,6 @@ void slotId(benchmark::State& state)
 }
 
 constexpr int Batches = 400;
-constexpr int FewBatches = 20; // waiting for each other takes most of the time of many processes
 
 BENCHMARK(findObject<Find>)
     ->Name("GetObjectData")
@@ -245,8 +244,7 @@ BENCHMARK(findObject<Find>)
     ->Name("GetObjectData")
     ->ArgNames({"objects", "processes"})
     ->ArgsProduct({{2, 4, 16}, {1}})
-    ->ArgsProduct({{8}, {8, 16, 32, 64}})
-    ->Iterations(FewBatches)
+    ->Iterations(Batches)
     ->UseManualTime();
 BENCHMARK(findObject<FindFromC>)
     ->Name("GetObjectDataFromC")
