@@ -103,6 +103,9 @@ std::string DiagTest::noOtherUser()
     if (::geteuid() != 0) {
         return "only root can be another user";
     }
+    if (!testsupport::canEmulatorBeUsedByOthers()) {
+        return testsupport::NoEmulatorForOthers;
+    }
     return testsupport::haveNamespaces()
                ? ""
                : std::string(testsupport::NoNamespaces) + "other users start nothing below proot";

@@ -201,6 +201,9 @@ TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
     if (!testsupport::haveNamespaces()) {
         GTEST_SKIP() << testsupport::NoNamespaces << "other users start nothing below proot";
     }
+    if (!testsupport::canEmulatorBeUsedByOthers()) {
+        GTEST_SKIP() << testsupport::NoEmulatorForOthers;
+    }
     const testsupport::SharedCopy shared(testsupport::tool("bsp-board").path);
     fs::permissions(fs::path(file("b")).parent_path(), fs::perms::all);
     Program create = boardTool({"create", "theirs"});

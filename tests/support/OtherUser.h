@@ -45,6 +45,22 @@ inline bool canBeReachedByOthers(const std::string& path)
     return waitFor(process) == 0;
 }
 
+/** Whether an ordinary user gets as far as the libraries of the emulator, if there is one. */
+inline bool canEmulatorBeUsedByOthers()
+{
+    const std::string libraries = "LD_LIBRARY_PATH=";
+    for (const std::string& word : emulator()) {
+        if (word.rfind(libraries, 0) == 0) {
+            return canBeReachedByOthers(
+                word.substr(libraries.size(), word.find(':') - libraries.size()));
+        }
+    }
+    return true;
+}
+
+constexpr const char* NoEmulatorForOthers =
+    "the emulator's libraries are in a folder that others cannot enter";
+
 /** A copy of a program that other users can start, though the build may lie in a private folder. */
 class SharedCopy
 {
