@@ -3,8 +3,7 @@
  * @brief What it costs to find a kernel's R-state, against inflating the kernel alone.
  *
  * - wholeCall: the whole of Bsp_getKernelRState, and zlib inflating the same stream in memory with
- *   its output thrown away, in turns. "ratio" is the one's shortest time by the other's: whatever
- *   else the machine does only adds.
+ *   its output thrown away, in turns.
  * - readImage: reading the compressed image chunk by chunk.
  * - writeTemporaryFile: making the temporary file, writing the inflated image to it and removing
  * it.
@@ -15,6 +14,7 @@
  * halfway.
  */
 #include "Bsp.h"
+#include "Comparison.h"
 #include "Files.h"
 #include "FirmwareImages.h"
 #include "firmware/ImageFile.h"
@@ -25,10 +25,8 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -115,13 +113,6 @@ Image madeImage(const testsupport::TemporaryDirectory& directory, std::size_t si
     return {path, stream, contents, "R2B05"};
 }
 
-template <typename Work> double secondsOf(Work work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
 /** The real image for 0, else a made one of so many MiB. */
 const Image& imageOf(std::int64_t mebibytes)
 {
@@ -139,23 +130,10 @@ const Image& imageOf(std::int64_t mebibytes)
 void wholeCall(benchmark::State& state)
 {
     const Image& image = imageOf(state.range(0));
-    double call = std::numeric_limits<double>::max();
-    double inflation = call;
     std::array<char, os::bsp::KernelRStateSize> rstate{};
-    while (state.KeepRunning()) {
-        inflation = std::min(inflation, secondsOf([&] { inflateAndThrowAway(image.stream); }));
-        const double time = secondsOf(
-            [&] { Bsp_getKernelRState(image.path.c_str(), rstate.data(), rstate.size()); });
-        call = std::min(call, time);
-        if (rstate.data() != image.rstate) {
-            state.SkipWithError("wrong answer");
-            break;
-        }
-        state.SetIterationTime(time);
-    }
-    state.counters["limit_ms"] = inflation * 1e3;
-    state.counters["call_ms"] = call * 1e3;
-    state.counters["ratio"] = call / inflation;
+    compareInTurns(
+        state, [&] { Bsp_getKernelRState(image.path.c_str(), rstate.data(), rstate.size()); },
+        [&] { inflateAndThrowAway(image.stream); }, [&] { return rstate.data() == image.rstate; });
 }
 
 void readImage(benchmark::State& state)

@@ -9,6 +9,7 @@
  * The ratios compare batches that take turns, so that a busy machine slows all of them down.
  */
 #include "Allocations.h"
+#include "Comparison.h"
 #include "RState.h"
 
 #include <benchmark/benchmark.h>
@@ -221,13 +222,6 @@ double timeBatch(Operation operation)
     const std::chrono::duration<double, std::nano> elapsed =
         std::chrono::steady_clock::now() - start;
     return elapsed.count() / static_cast<double>(Rounds * labels.older.size());
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 /** Whether all three do the same to the same labels, so that their times may be compared. */

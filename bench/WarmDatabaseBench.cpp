@@ -15,6 +15,7 @@
  *     bwrap --dev-bind / / --tmpfs /dev/shm build/release/bench/warm_database_bench
  */
 #include "Bsp.h"
+#include "Comparison.h"
 #include "WarmDatabase.h"
 #include "WarmSetting.h"
 
@@ -194,13 +195,6 @@ template <typename Operation> double timeBatch(Shared::Turn turn, Operation oper
     const std::chrono::duration<double, std::nano> elapsed =
         std::chrono::steady_clock::now() - start;
     return elapsed.count() / OperationsPerBatch;
-}
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 template <typename Operation, typename Limit>
