@@ -126,6 +126,7 @@ long openFiles()
     ::setrlimit(RLIMIT_CORE, &noCore);
     recordingtrace::setObserver(keepMessage);
     scriptPlatform();
+    interposed::standBetween();
     if (what.prepare != nullptr) {
         what.prepare();
     }

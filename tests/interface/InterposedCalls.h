@@ -2,8 +2,7 @@
  * @file
  * @brief The library functions that the layer calls: each call is listed, and fails when told to.
  *
- * Linking this replaces malloc as well. A program that uses it wraps what CMakeLists.txt lists as
- * library_calls. What the platforms for tests call is not listed.
+ * Linking this replaces malloc as well. What the platforms for tests call is not listed.
  */
 #ifndef TESTS_INTERFACE_INTERPOSEDCALLS_H
 #define TESTS_INTERFACE_INTERPOSEDCALLS_H
@@ -73,6 +72,9 @@ std::string describe(const Record& record, const Fault& fault);
 
 /** How much of the heap was not given back. */
 std::size_t heapLeft(const Record& record);
+
+/** Puts the hooks in place; once. */
+void standBetween();
 
 /** From now on calls are listed and fail. */
 void watch(Record& record, std::vector<Broken> broken, const std::optional<Fault>& fault);

@@ -38,16 +38,16 @@ void freed(const void* memory);
 void addMappings(int count);
 
 /** Makes a call, or does to it what it was chosen for. */
-template <typename Result, typename... Parameters, typename... Arguments>
-Result pass(const char* name, Result failed, Result (*real)(Parameters...), Arguments... arguments)
+template <typename Make, typename Result = std::invoke_result_t<Make>>
+Result pass(const char* name, std::common_type_t<Result> failed, Make make)
 {
     const std::optional<Fault> fault = enter(name);
     const Performing performing(name);
     if (!fault) {
-        return real(arguments...);
+        return make();
     }
     if (fault->kind == Fault::FailsDone) {
-        real(arguments...);
+        make();
     }
     if constexpr (std::is_arithmetic_v<Result>) {
         if (fault->kind == Fault::Gives) {
@@ -76,6 +76,12 @@ Result passCounted(const char* name, Result failed, std::size_t size, Make make)
         errno = fault->value;
         return failed;
     }
+}
+
+/** The same for functions that take memory. */
+template <typename Make> void* allocate(Make make)
+{
+    return allocated(pass("allocation", nullptr, make));
 }
 
 } // namespace interposed

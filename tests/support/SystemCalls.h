@@ -40,6 +40,7 @@ struct z_stream_s;
     CALL(connect, connect, int, (int fd, const sockaddr* address, socklen_t size), (fd, address, size)) \
     CALL(fchmod, fchmod, int, (int fd, mode_t mode), (fd, mode)) \
     CALL(fchown, fchown, int, (int fd, uid_t owner, gid_t group), (fd, owner, group)) \
+    CALL(fclose, fclose, int, (std::FILE* file), (file)) \
     CALL(fcntl, fcntl64, int, (int fd, int command, void* argument), (fd, command, argument)) \
     CALL(fdopen, fdopen, std::FILE*, (int fd, const char* mode), (fd, mode)) \
     CALL(ferror, ferror, int, (std::FILE* file), (file)) \
@@ -70,6 +71,7 @@ struct z_stream_s;
          (fd, buffer, size, offset)) \
     CALL(pthread_mutex_init, pthread_mutex_init, int, \
          (pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes), (mutex, attributes)) \
+    CALL(pthread_mutex_lock, pthread_mutex_lock, int, (pthread_mutex_t* mutex), (mutex)) \
     CALL(pthread_once, pthread_once, int, (pthread_once_t* once, void (*function)()), (once, function)) \
     CALL(read, read, ssize_t, (int fd, void* buffer, std::size_t size), (fd, buffer, size)) \
     CALL(realpath, realpath, char*, (const char* path, char* resolved), (path, resolved)) \
