@@ -254,6 +254,7 @@ const std::vector<Operation>& operations()
          [](Answer& answer) { increment(RState_increment, IncrementType::Auto, answer); }},
         {"RState_increment2",
          [](Answer& answer) { increment<const char*>(RState_increment2, "Major", answer); }},
+        {"RState_incrementTypeName", [](Answer& answer) { answer << RState_incrementTypeName(2); }},
         {"RState_toVersion", toVersion},
         {"WarmDatabase_createObject",
          [](Answer& answer) { use(WarmDatabase_createObject, answer); }},

@@ -136,6 +136,18 @@ TEST(RStateC, RefusesAnyOtherNameWithoutReadingTheText)
     }
 }
 
+TEST(RStateC, HasANameForEachTypeAndOneForAllOtherNumbers)
+{
+    const std::array<const char*, 5> names{"Auto", "Revision", "Minor", "Major", "EndOfList"};
+    for (int type = 0; type < 5; ++type) {
+        EXPECT_STREQ(RState_incrementTypeName(type), names.at(static_cast<std::size_t>(type)));
+    }
+    for (const int other : {INT_MIN, -1, 5, INT_MAX}) {
+        EXPECT_STREQ(RState_incrementTypeName(other), "EndOfList") << other;
+    }
+    EXPECT_THAT(takeLines(), ElementsAre());
+}
+
 TEST(RStateC, TakesANullTextForAnEmptyOne)
 {
     std::array<int, 3> version{-1, -1, -1};

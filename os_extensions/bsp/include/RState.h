@@ -23,6 +23,12 @@
 
 #include <stdint.h>
 
+/** Room to keep for the text of an R-state. */
+enum
+{
+    RState_MaxRStateLen = 12
+};
+
 /** Ways to step an R-state. Values cross the C interface and are never renumbered. */
 #define RSTATE_INCREMENT_TYPE_ROWS(ROW, ENUM)                                                      \
     ROW(ENUM, Auto) ROW(ENUM, Revision) ROW(ENUM, Minor) ROW(ENUM, Major)
@@ -66,7 +72,7 @@ public:
     static constexpr int32_t MaxMinorPos2 = 16;           /**< Alphabet size, second letter. */
     static constexpr int32_t MaxMinorPos3 = 16;           /**< Alphabet size, third letter. */
     static constexpr int32_t MaxMinorPos4 = 20;           /**< Alphabet size, fourth letter. */
-    static constexpr int32_t MaxRStateLen = 12;           /**< Room to keep for a text. */
+    static constexpr int32_t MaxRStateLen = RState_MaxRStateLen; /**< Room to keep for a text. */
 
     /** Holds the text as given, and the version that can be read from it. */
     RState(const std::string& text); // NOLINT(google-explicit-constructor): a text is an R-state
@@ -149,12 +155,6 @@ enum
     RSTATE_INCREMENT_TYPE_ROWS(RSTATE_C_ENUMERATOR, IncrementType) RState_IncrementType_EndOfList
 };
 
-/** Room to keep for the text of an R-state. */
-enum
-{
-    RState_MaxRStateLen = 12
-};
-
 #endif
 
     /**
@@ -199,6 +199,9 @@ enum
      * @return as RState_increment, and 0 with the text unchanged for any other name
      */
     BSP_API int RState_increment2(char* rstate, unsigned int size, const char* typeName);
+
+    /** The name of a way to step; "EndOfList" for any other number. A static text. */
+    BSP_API const char* RState_incrementTypeName(int type);
 
 #ifdef __cplusplus
 }

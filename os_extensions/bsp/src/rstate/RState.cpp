@@ -257,3 +257,8 @@ int RState_increment2(char* rstate, unsigned int size, const char* typeName)
     }
     return 0;
 }
+
+const char* RState_incrementTypeName(int type)
+{
+    return os::bsp::nameOf(incrementTypeNames, type);
+}
