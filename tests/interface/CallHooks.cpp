@@ -92,7 +92,7 @@ void standBetween()
 
 using interposed::pass;
 
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp): the
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl50-cpp): the
 // linker's names and the functions' own forms
 extern "C"
 {
@@ -144,4 +144,4 @@ extern "C"
         __libc_free(memory);
     }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp)
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl50-cpp)

@@ -12,7 +12,7 @@ EepromAnswer watched;
 } // namespace
 
 // The layer's own reading of the EEPROM is watched: the linker leads its call through here.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
 extern "C" int __real_Bsp_readHardwareCode(std::uint8_t* code);
 
 extern "C" int __wrap_Bsp_readHardwareCode(std::uint8_t* code)
@@ -23,7 +23,7 @@ extern "C" int __wrap_Bsp_readHardwareCode(std::uint8_t* code)
     }
     return watched.result;
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTEND(bugprone-reserved-identifier)
 
 const EepromAnswer& eepromAnswer()
 {
