@@ -5,10 +5,13 @@
  *     GetObjectData/N/P       finds the last of N objects; limit: one wait/post pair of a named
  *                             semaphore around a strcmp scan of N names 1024 bytes apart
  *     GetObjectDataFromC/N/P  the same through the C interface, against the same limit
- *     GetSlotId/P             Bsp_getSlotId; limit: lock, read and unlock of a process-shared mutex
+ *     GetObjectDataTogether/P finds the last of 8 objects in P processes, all of which are
+ * measured; limit: as above, in as many GetSlotId/P             Bsp_getSlotId; limit: lock, read
+ * and unlock of a process-shared mutex
  *
- * P processes do the same all the time; one of them is measured. Batches of the operation and of
- * its limit take turns, so that a busy machine slows both down; "ratio" is that of their medians.
+ * P processes do the same all the time; else one of them is measured. Batches of the operation and
+ * of its limit take turns, so that a busy machine slows both down; "ratio" is that of their
+ * medians.
  *
  * It uses the names that all processes of a board share, so it wants a /dev/shm of its own:
  *
@@ -22,6 +25,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -29,6 +33,7 @@
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <pthread.h>
@@ -143,7 +148,10 @@ public:
     template <typename Operation, typename Limit>
     Others(std::size_t number, Operation operation, Limit limit)
     {
-        WarmSetting::get().shared().turn = Shared::Operation;
+        Shared& shared = WarmSetting::get().shared();
+        shared.turn = Shared::Operation;
+        shared.done[Shared::Operation] = 0;
+        shared.done[Shared::Limit] = 0;
         for (std::size_t i = 0; i < number; ++i) {
             const pid_t process = ::fork();
             if (process == 0) {
@@ -156,12 +164,15 @@ public:
         }
     }
 
-    ~Others()
+    ~Others() { end(); }
+
+    void end()
     {
         WarmSetting::get().shared().turn = Shared::End;
         for (const pid_t process : m_processes) {
             ::waitpid(process, nullptr, 0);
         }
+        m_processes.clear();
     }
 
     Others(const Others&) = delete;
@@ -172,13 +183,19 @@ private:
     {
         const std::atomic<int>& turn = WarmSetting::get().shared().turn;
         while (turn != Shared::End) {
-            while (turn == Shared::Operation) {
-                operation();
-            }
-            while (turn == Shared::Limit) {
-                limit();
-            }
+            repeatDuring(Shared::Operation, operation);
+            repeatDuring(Shared::Limit, limit);
         }
+    }
+
+    template <typename Operation> static void repeatDuring(Shared::Turn turn, Operation operation)
+    {
+        Shared& shared = WarmSetting::get().shared();
+        long done = 0;
+        for (; shared.turn == turn; ++done) {
+            operation();
+        }
+        shared.done[turn] += done;
     }
 
     std::vector<pid_t> m_processes;
@@ -213,6 +230,40 @@ void compare(benchmark::State& state, std::size_t processes, Operation operation
     state.counters["ratio"] = median(times) / median(limits);
 }
 
+/** Nanoseconds of one operation, of all that the processes make together. */
+template <typename Operation, typename Limit>
+void compareTogether(benchmark::State& state, std::size_t processes, Operation operation,
+                     Limit limit)
+{
+    constexpr std::chrono::milliseconds Turn(50);
+    Shared& shared = WarmSetting::get().shared();
+    std::array<double, Shared::End> seconds{};
+    Others others(processes, operation, limit);
+    for ([[maybe_unused]] auto iteration : state) {
+        for (const auto turn : {Shared::Operation, Shared::Limit}) {
+            seconds[turn] += secondsOf([&] {
+                shared.turn = turn;
+                std::this_thread::sleep_for(Turn);
+            });
+        }
+        state.SetIterationTime(std::chrono::duration<double>(Turn).count());
+    }
+    others.end();
+    const auto nanosecondsOf = [&](Shared::Turn turn) {
+        return seconds[turn] * 1e9 / static_cast<double>(shared.done[turn]);
+    };
+    state.counters["ns"] = nanosecondsOf(Shared::Operation);
+    state.counters["limit_ns"] = nanosecondsOf(Shared::Limit);
+    state.counters["ratio"] = nanosecondsOf(Shared::Operation) / nanosecondsOf(Shared::Limit);
+}
+
+void findObjectTogether(benchmark::State& state)
+{
+    constexpr std::size_t Objects = 8;
+    WarmSetting::get(); // before the store is used
+    compareTogether(state, static_cast<std::size_t>(state.range(0)), Find(Objects), Scan(Objects));
+}
+
 template <typename Operation> void findObject(benchmark::State& state)
 {
     WarmSetting::get(); // before the store is used
@@ -239,6 +290,13 @@ BENCHMARK(findObject<Find>)
     ->ArgNames({"objects", "processes"})
     ->ArgsProduct({{2, 4, 16}, {1}})
     ->Iterations(Batches)
+    ->UseManualTime();
+BENCHMARK(findObjectTogether)
+    ->Name("GetObjectDataTogether")
+    ->ArgName("processes")
+    ->RangeMultiplier(2)
+    ->Range(1, 64)
+    ->Iterations(20)
     ->UseManualTime();
 BENCHMARK(findObject<FindFromC>)
     ->Name("GetObjectDataFromC")

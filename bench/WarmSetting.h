@@ -32,6 +32,7 @@ struct Shared
     };
 
     std::atomic<int> turn;
+    std::array<std::atomic<long>, End> done; /**< In the turns of each kind, by the others. */
     pthread_mutex_t mutex;
     int value;
     std::array<char, NumberOfBlocks * BlockSize> names;
