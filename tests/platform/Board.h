@@ -4,6 +4,7 @@
 #include "Files.h"
 
 #include <cstdlib>
+#include <set>
 #include <string>
 
 #include <sys/types.h>
@@ -30,6 +31,15 @@ public:
     mode_t modeOf(const std::string& name) const
     {
         return static_cast<mode_t>(std::filesystem::status(file(name)).permissions());
+    }
+    /** The names of its entries. */
+    std::set<std::string> entries() const
+    {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path())) {
+            names.insert(entry.path().filename().string());
+        }
+        return names;
     }
     bool isEmpty() const { return std::filesystem::is_empty(path()); }
 };

@@ -10,9 +10,7 @@
 #include <cstdlib>
 #include <set>
 
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 
 namespace
 {
@@ -102,8 +100,7 @@ TEST_F(BoardDirectory, IsTheSystemsForAProgramWithRaisedRights)
 std::string pathForOther(const std::string& program, mode_t mode)
 {
     EXPECT_EQ(::chmod(program.c_str(), mode), 0);
-    testsupport::Program run{};
-    run.path = program;
+    testsupport::Program run = testsupport::programAt(program);
     run.environment = {{"BSP_BOARD_DIR", "/the/board"}};
     run.prepare = testsupport::becomeOrdinaryUser;
     return run.run().out;
@@ -120,10 +117,7 @@ TEST_F(BoardDirectory, IsTheSystemsForAProgramThatIsItsOwnersForAll)
     }
     const testsupport::TemporaryDirectory directory;
     std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
-    struct statvfs disk
-    {};
-    ASSERT_EQ(::statvfs(directory.path().c_str(), &disk), 0);
-    if ((disk.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
+    if (!testsupport::programsGetRightsIn(directory.path())) {
         GTEST_SKIP() << (testsupport::haveNamespaces() ? "" : testsupport::NoNamespaces)
                      << "no program gets rights here that its caller lacks";
     }

@@ -4,6 +4,7 @@
 #include "OtherUser.h"
 #include "Sandbox.h"
 #include "SettingsChange.h"
+#include "Thrown.h"
 
 #include <gmock/gmock.h>
 
@@ -32,11 +33,7 @@ protected:
     /** What reading a key throws. */
     std::string errorOfGet()
     {
-        try {
-            return "none: " + config.get("key");
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
+        return thrownBy([this] { config.get("key"); });
     }
 
     const Board board;
@@ -77,8 +74,7 @@ TEST_F(ConfigFaults, NeverEndTheProcessWhateverByteIsDamaged)
             damaged[place] = static_cast<char>(byte);
             board.write("settings", damaged);
             const std::string answer = errorOfGet();
-            EXPECT_TRUE(answer.rfind("none: ", 0) == 0 || answer.rfind(cannotRead("line "), 0) == 0)
-                << answer;
+            EXPECT_TRUE(answer == "nothing" || answer.rfind(cannotRead("line "), 0) == 0) << answer;
         }
         ASSERT_EQ(::truncate(file.c_str(), static_cast<off_t>(place)), 0);
         errorOfGet();
@@ -186,10 +182,9 @@ TEST_F(ConfigMounts, OnAReadOnlyBoardLeaveItReadable)
 
 TEST_F(ConfigMounts, OnAReadOnlyBoardMakeNoStore)
 {
-    const Outcome outcome = client({"--ro-bind", board.path(), board.path()},
-                                   {"get", "key", "set", "key", "value", "clear", "key"});
-    EXPECT_EQ(outcome.out, "[]\nfalse\ntrue\n");
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(client({"--ro-bind", board.path(), board.path()},
+                     {"get", "key", "set", "key", "value", "clear", "key"}),
+              answer("[]\nfalse\ntrue\n"));
     EXPECT_TRUE(board.isEmpty());
 }
 
@@ -204,11 +199,10 @@ TEST_F(ConfigMounts, OnAFullDiskKeepTheOldValue)
 
 TEST_F(ConfigMounts, OnAFullDiskMakeNoStore)
 {
-    const Outcome outcome = client(
-        {"--size", "65536", "--tmpfs", board.path()},
-        {"fill", board.file("filler"), "set", "key", "value", "get", "key", "list", board.path()});
-    EXPECT_EQ(outcome.out, "full\nfalse\n[]\nfiller \n");
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(client({"--size", "65536", "--tmpfs", board.path()},
+                     {"fill", board.file("filler"), "set", "key", "value", "get", "key", "list",
+                      board.path()}),
+              answer("full\nfalse\n[]\nfiller \n"));
 }
 
 /** A user who may not do everything. */
@@ -229,12 +223,10 @@ protected:
     /** What the work in a process of another user returns. */
     static bool asAnother(const std::function<bool()>& work)
     {
-        const pid_t process = ::fork();
-        if (process == 0) {
+        return holdsInCopy([&work] {
             becomeOrdinaryUser();
-            ::_exit(work() ? 0 : 1);
-        }
-        return waitFor(process) == 0;
+            return work();
+        });
     }
 
     void giveTheBoardAway() const
@@ -297,13 +289,11 @@ TEST_F(ConfigOfRoot, NamesALockThatAnotherMayNotOpen)
     std::filesystem::permissions(board.file("settings.lock"), std::filesystem::perms(0200));
     EXPECT_TRUE(asAnother([&] {
         const settings::Deadline soon(std::chrono::milliseconds(10));
-        try {
+        const std::string thrown = thrownBy([&] {
             settings::change(
                 file, [](settings::SettingsText& text) { text.set("key", "other"); }, soon);
-        } catch (const std::exception& error) {
-            return error.what() == std::string("cannot open settings.lock: Permission denied");
-        }
-        return false;
+        });
+        return thrown == "cannot open settings.lock: Permission denied";
     }));
     EXPECT_EQ(readFile(file), "key=value\n");
     // Who may open it goes on with it.

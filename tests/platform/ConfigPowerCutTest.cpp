@@ -1,11 +1,11 @@
 #include "NxuConfig.h"
 #include "SystemCalls.h"
+#include "Thrown.h"
 #include "WatchedDisk.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
-#include <stdexcept>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -30,13 +30,9 @@ protected:
             copy.write("settings", *store);
         }
         std::string value;
-        try {
-            value = NxuConfig().get("key");
-        } catch (const std::runtime_error& error) {
-            value = error.what();
-        }
+        const std::string thrown = thrownBy([&value] { value = NxuConfig().get("key"); });
         ::setenv("BSP_BOARD_DIR", board.path().c_str(), 1);
-        return value;
+        return thrown == "nothing" ? value : thrown;
     }
 
     /** Does the work; the images that its steps left. */
@@ -67,15 +63,6 @@ protected:
         }
         EXPECT_EQ(valueIn(images[images.size() - 1].store), after);
         EXPECT_EQ(valueIn(images[images.size() - 2].store), after);
-    }
-
-    std::vector<std::string> entries() const
-    {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(board.path())) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
     }
 
     Board board;
@@ -142,7 +129,7 @@ TEST_P(FailingStep, LeavesTheFormerStore)
     for (const Image& image : disk.stop()) {
         EXPECT_THAT(valueIn(image.store), AnyOf("old", "new", "")) << image.step;
     }
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
     EXPECT_EQ(readFile(board.file("settings")), "# text\nkey = old");
     EXPECT_EQ(config.get("key"), "old");
     EXPECT_TRUE(config.set("key", "new"));
@@ -155,10 +142,10 @@ TEST_P(FailingStep, LeavesNoNewStore)
     disk.watch(board);
     EXPECT_FALSE(config.set("key", "value"));
     disk.stop();
-    EXPECT_THAT(entries(), IsEmpty());
+    EXPECT_THAT(board.entries(), IsEmpty());
     EXPECT_EQ(config.get("key"), "");
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, FailingStep, Values("write", "sync", "rename", "sync directory"));
@@ -168,7 +155,7 @@ TEST_F(ConfigPowerCut, LeavesWhatTheNextWriterCleansUp)
     board.write("settings.new", "half");
     board.write("settings.lock", "");
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
 }
 
 TEST_F(ConfigPowerCut, FindsALockThatOnlyWritersCanOpen)
@@ -197,7 +184,7 @@ TEST_F(ConfigPowerCut, TakesNoLockThatIsWorthNothingByNow)
     };
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(locks, 2);
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
 }
 
 TEST_F(ConfigPowerCut, ChangesAStoreThatAnotherMadeAfterTheFirstLook)
@@ -221,7 +208,7 @@ TEST_F(ConfigPowerCut, LeavesALockThatIsAnothersByNow)
     });
     EXPECT_TRUE(config.set("key", "value"));
     disk.stop();
-    EXPECT_THAT(entries(), UnorderedElementsAre("settings", "settings.lock"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings", "settings.lock"));
 }
 
 TEST_F(ConfigPowerCut, FindsANewStoresLockThatOnlyItsMakerCanOpen)

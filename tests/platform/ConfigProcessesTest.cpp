@@ -30,16 +30,6 @@ using os::bsp::NxuConfig;
 using namespace systemcalls;
 using namespace testsupport;
 
-/** Runs the work in a forked process, which ends with 0 when it returns true. */
-pid_t inProcess(const std::function<bool()>& work)
-{
-    const pid_t process = ::fork();
-    if (process == 0) {
-        ::_exit(work() ? 0 : 1);
-    }
-    return process;
-}
-
 /** Objects that forked processes share with this one. */
 template <typename Type> class Shared
 {
@@ -84,11 +74,10 @@ protected:
 TEST_F(ConfigProcesses, SeeWhatOthersSet)
 {
     EXPECT_TRUE(config.set("key", "parent"));
-    const pid_t child = inProcess([this] {
+    EXPECT_TRUE(holdsInCopy([this] {
         return config.get("key") == "parent" && config.set("key", "child") &&
                config.get("key") == "child";
-    });
-    EXPECT_EQ(waitFor(child), 0);
+    }));
     EXPECT_EQ(config.get("key"), "child");
     EXPECT_TRUE(config.set("key", "parent again"));
 }
@@ -100,10 +89,9 @@ TEST_F(ConfigProcesses, DoNotCollectDescriptorsOverGenerations)
     const std::size_t descriptors = openDescriptors();
     std::function<bool(int)> generation = [&](int left) {
         const bool isFine = config.get("key") == "value" && openDescriptors() == descriptors;
-        return isFine &&
-               (left == 0 || waitFor(inProcess([&] { return generation(left - 1); })) == 0);
+        return isFine && (left == 0 || holdsInCopy([&] { return generation(left - 1); }));
     };
-    EXPECT_EQ(waitFor(inProcess([&] { return generation(4); })), 0);
+    EXPECT_TRUE(holdsInCopy([&] { return generation(4); }));
 }
 
 TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
@@ -119,9 +107,8 @@ TEST_F(ConfigProcesses, CanForkWhileTheirThreadsUseTheStore)
         }
     });
     for (int i = 0; i < 25; ++i) {
-        const pid_t child = inProcess(
-            [this] { return config.get("key") == "value" && config.set("child", "value"); });
-        EXPECT_EQ(waitFor(child), 0);
+        EXPECT_TRUE(holdsInCopy(
+            [this] { return config.get("key") == "value" && config.set("child", "value"); }));
     }
     done = true;
     writer.join();
@@ -141,7 +128,7 @@ TEST_F(ConfigProcesses, DoNotHoldTheLockOfAnotherThatEnded)
                 }
             });
             std::this_thread::sleep_for(std::chrono::milliseconds(round));
-            *survivor.operator->() = inProcess([] { return ::pause() == 0; });
+            *survivor.operator->() = startCopy([] { return ::pause() == 0; });
             ::pause();
         }
         while (*survivor.operator->() == 0) {
@@ -159,8 +146,7 @@ int takeLock(const Board& board)
 {
     const std::string path = board.file("settings.lock");
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0200);
-    struct flock lock
-    {};
+    struct flock lock = {};
     lock.l_type = F_WRLCK;
     EXPECT_EQ(::fcntl(fd, F_SETLK, &lock), 0);
     return fd;
@@ -177,7 +163,7 @@ TEST_F(ConfigProcesses, WriteToTheStoreThatTookThePlaceOfTheOneTheyWaitedFor)
 {
     EXPECT_TRUE(config.set("key", "old"));
     const int lock = takeLock(board);
-    const pid_t writer = inProcess([] { return NxuConfig().set("key", "new"); });
+    const pid_t writer = startCopy([] { return NxuConfig().set("key", "new"); });
     EXPECT_TRUE(isWaiting(writer));
     EXPECT_EQ(config.get("key"), "old");
     board.write("another", "other=value\n");
@@ -192,7 +178,7 @@ TEST_F(ConfigProcesses, WriteToTheStoreThatTookThePlaceOfTheOneTheyWaitedFor)
 TEST_F(ConfigProcesses, WriteWhenTheOneTheyWaitedForIsDone)
 {
     const int lock = takeLock(board);
-    const pid_t writer = inProcess([] { return NxuConfig().set("key", "new"); });
+    const pid_t writer = startCopy([] { return NxuConfig().set("key", "new"); });
     EXPECT_TRUE(isWaiting(writer));
     // The others go on with a lock of another file.
     std::filesystem::remove(board.file("settings.lock"));
@@ -205,7 +191,7 @@ TEST_F(ConfigProcesses, DoNotWaitForEver)
 {
     EXPECT_TRUE(config.set("key", "old"));
     const int lock = takeLock(board);
-    const pid_t writer = inProcess([] {
+    const pid_t writer = startCopy([] {
         // With each look at the clock it is later.
         std::atomic<int> looks{0};
         hooks().steadyNow = [&] {
@@ -245,7 +231,7 @@ TEST_F(ConfigProcesses, KilledBeforeTheLockIsTheOwnersLeaveNone)
         GTEST_SKIP() << "the file system of the board cannot make files that have no name yet";
     }
     EXPECT_TRUE(config.set("key", "old"));
-    const pid_t writer = inProcess([] {
+    const pid_t writer = startCopy([] {
         hooks().fchown = [](int, uid_t, gid_t) { return ::raise(SIGKILL); };
         return NxuConfig().set("key", "new");
     });
@@ -262,8 +248,7 @@ TEST_F(ConfigProcesses, LetNobodyElseOpenTheLockBeforeItIsTheOwners)
     std::set<mode_t> modes;
     hooks().linkat = [](int, const char*, int, const char*, int) { return fail(EPERM); };
     hooks().fchown = [&](int fd, uid_t owner, gid_t group) {
-        struct stat status
-        {};
+        struct stat status = {};
         EXPECT_EQ(::fstat(fd, &status), 0);
         modes.insert(status.st_mode & 0777U);
         return real().fchown(fd, owner, group);
@@ -279,7 +264,7 @@ TEST_F(ConfigProcesses, MakeOneStoreAtTheSameInstant)
         Shared<std::atomic<bool>> start;
         std::vector<pid_t> processes;
         for (int i = 0; i < 12; ++i) {
-            processes.push_back(inProcess([&start, i] {
+            processes.push_back(startCopy([&start, i] {
                 while (!*start.operator->()) {
                 }
                 return NxuConfig().set("key " + std::to_string(i), valueOf(i));
@@ -322,8 +307,8 @@ TEST_F(ConfigProcesses, ReadAndWriteAtOnce)
     };
     std::vector<pid_t> processes;
     for (int id = 0; id < 4; ++id) {
-        processes.push_back(inProcess([&, id] { return writer(id); }));
-        processes.push_back(inProcess([&, id] { return reader(id); }));
+        processes.push_back(startCopy([&, id] { return writer(id); }));
+        processes.push_back(startCopy([&, id] { return reader(id); }));
     }
     for (const pid_t process : processes) {
         EXPECT_EQ(waitFor(process), 0);
@@ -350,7 +335,7 @@ TEST_F(ConfigProcesses, KilledAtAnyMomentLeaveTheOldOrTheNewValue)
         }
         const int old = numberOf(config.get("key"));
         const Shared<Progress> progress;
-        const pid_t writer = inProcess([&] {
+        const pid_t writer = startCopy([&] {
             for (int i = 0;; ++i) {
                 progress->begun = i;
                 if (!NxuConfig().set("key", valueOf(i))) {

@@ -1,4 +1,5 @@
 #include "Board.h"
+#include "ManyThreads.h"
 #include "NxuConfig.h"
 #include "Program.h"
 #include "Sanitizers.h"
@@ -36,16 +37,6 @@ protected:
         };
     }
 
-    /** The names in the board directory. */
-    std::set<std::string> entries() const
-    {
-        std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(board.path())) {
-            names.insert(entry.path().filename().string());
-        }
-        return names;
-    }
-
     Board board;
     NxuConfig config;
 };
@@ -67,19 +58,19 @@ TEST_F(ConfigStore, HasKeysAndValuesOfItsOwn)
 TEST_F(ConfigStore, IsNotMadeByReading)
 {
     EXPECT_EQ(config.get("key"), os::bsp::value::Empty);
-    EXPECT_THAT(entries(), IsEmpty());
+    EXPECT_THAT(board.entries(), IsEmpty());
 }
 
 TEST_F(ConfigStore, IsNotMadeByClearing)
 {
     EXPECT_TRUE(config.clear("key"));
-    EXPECT_THAT(entries(), IsEmpty());
+    EXPECT_THAT(board.entries(), IsEmpty());
 }
 
 TEST_F(ConfigStore, IsMadeByTheFirstSetAsOneFile)
 {
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
     EXPECT_EQ(config.get("key"), "value");
 }
 
@@ -87,8 +78,7 @@ TEST_F(ConfigStore, IsMadeAsTheUserWantsNewFiles)
 {
     ::umask(027);
     EXPECT_TRUE(config.set("key", "value"));
-    EXPECT_EQ(std::filesystem::status(board.file("settings")).permissions(),
-              std::filesystem::perms(0640));
+    EXPECT_EQ(board.modeOf("settings"), 0640U);
 }
 
 TEST_F(ConfigStore, IsTheSameForAllObjects)
@@ -147,12 +137,10 @@ TEST_F(ConfigStore, KeepsItsModeAndOwner)
     if (::geteuid() == 0) {
         ASSERT_EQ(::chown(file.c_str(), 1234, 4321), 0);
     }
-    struct stat before
-    {};
+    struct stat before = {};
     ASSERT_EQ(::stat(file.c_str(), &before), 0);
     EXPECT_TRUE(config.set("key", "value"));
-    struct stat after
-    {};
+    struct stat after = {};
     ASSERT_EQ(::stat(file.c_str(), &after), 0);
     EXPECT_NE(after.st_ino, before.st_ino);
     EXPECT_EQ(after.st_mode, before.st_mode);
@@ -193,8 +181,7 @@ TEST_F(ConfigStore, IsReadAgainAsLongAsAChangeMayNotShowInItsTimes)
 
 TEST(FileState, IsSettledWhenTheNextChangeGetsAnotherTime)
 {
-    struct stat status
-    {};
+    struct stat status = {};
     status.st_ctim = {1000, 500};
     EXPECT_FALSE(settings::FileState(status).isSettled({1000, 499}));
     EXPECT_FALSE(settings::FileState(status).isSettled({1000, 500}));
@@ -253,7 +240,7 @@ TEST_F(ConfigStore, TakesKeysUpToALimit)
 TEST_F(ConfigStore, IsNotMadeWithAKeyThatItCannotTake)
 {
     EXPECT_FALSE(config.set("", "value"));
-    EXPECT_THAT(entries(), IsEmpty());
+    EXPECT_THAT(board.entries(), IsEmpty());
 }
 
 TEST_F(ConfigStore, TakesValuesUpToItsSize)
@@ -282,7 +269,7 @@ TEST_F(ConfigStore, DoesNotFillUpWithOldValues)
     }
     EXPECT_EQ(config.get("key"), std::string(2000, 'v') + "49");
     EXPECT_EQ(std::filesystem::file_size(board.file("settings")), 2007U);
-    EXPECT_THAT(entries(), ElementsAre("settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("settings"));
 }
 
 TEST_F(ConfigStore, IsNoticedWhenAnotherTakesItsPlace)
@@ -315,34 +302,25 @@ TEST_F(ConfigStore, CanBeALinkToAStore)
     EXPECT_EQ(config.get("key"), "value");
     EXPECT_TRUE(config.set("key", "other"));
     EXPECT_EQ(config.get("key"), "other");
-    EXPECT_THAT(entries(), ElementsAre("elsewhere", "settings"));
+    EXPECT_THAT(board.entries(), ElementsAre("elsewhere", "settings"));
 }
 
 TEST_F(ConfigStore, IsForManyObjectsAndThreads)
 {
     EXPECT_TRUE(config.set("key", "value"));
     EXPECT_EQ(config.get("key"), "value");
-    const int before = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    ::close(before);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([i] {
-            NxuConfig own;
-            const std::string key = "key " + std::to_string(i);
-            for (int j = 0; j < 25; ++j) {
-                EXPECT_TRUE(own.set(key, std::to_string(j)));
-                EXPECT_EQ(NxuConfig().get(key), std::to_string(j));
-                EXPECT_EQ(own.get("key"), "value");
-            }
-            EXPECT_TRUE(own.clear(key));
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    const int after = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    ::close(after);
-    EXPECT_EQ(after, before);
+    const std::size_t descriptors = openDescriptors();
+    inManyThreads(8, [](std::size_t number) {
+        NxuConfig own;
+        const std::string key = "key " + std::to_string(number);
+        for (int i = 0; i < 25; ++i) {
+            EXPECT_TRUE(own.set(key, std::to_string(i)));
+            EXPECT_EQ(NxuConfig().get(key), std::to_string(i));
+            EXPECT_EQ(own.get("key"), "value");
+        }
+        EXPECT_TRUE(own.clear(key));
+    });
+    EXPECT_EQ(openDescriptors(), descriptors);
     EXPECT_EQ(config.get("key 3"), "");
 }
 
@@ -363,8 +341,7 @@ TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
         GTEST_SKIP() << "the sanitizer takes printing on closed streams, as here, for a race";
     }
     EXPECT_TRUE(config.set("key", "value"));
-    const pid_t process = ::fork();
-    if (process == 0) {
+    EXPECT_TRUE(holdsInCopy([this] {
         for (int fd = 0; fd <= STDERR_FILENO; ++fd) {
             ::close(fd);
         }
@@ -383,9 +360,8 @@ TEST_F(ConfigStore, GetsNothingThatTheProgramPrints)
         }
         done = true;
         printer.join();
-        ::_exit(isFine ? 0 : 1);
-    }
-    EXPECT_EQ(waitFor(process), 0);
+        return isFine;
+    }));
     EXPECT_EQ(readFile(board.file("settings")), "key=49\n");
 }
 

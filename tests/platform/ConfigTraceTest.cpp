@@ -20,9 +20,7 @@ protected:
     static std::string errorsOf(const std::vector<std::string>& arguments,
                                 const std::map<std::string, std::string>& environment)
     {
-        testsupport::Program program{};
-        program.path = BOARD_CLIENT;
-        program.arguments = arguments;
+        testsupport::Program program = testsupport::programAt(BOARD_CLIENT, arguments);
         program.environment = environment;
         program.environment.emplace("QELTRACE_OUTPUT", "stderr");
         return program.run().err;
@@ -76,10 +74,7 @@ TEST_F(ConfigTrace, NamesTheFileOnceForThoseWhoWantToKnow)
 TEST_F(ConfigTrace, IsQuietOnStandardErrorUnlessItIsTold)
 {
     ::unsetenv("QELTRACE_OUTPUT");
-    testsupport::Program program{};
-    program.path = BOARD_CLIENT;
-    program.arguments = {"set", "", "value"};
-    EXPECT_EQ(program.run().err, "");
+    EXPECT_EQ(testsupport::programAt(BOARD_CLIENT, {"set", "", "value"}).run().err, "");
     EXPECT_EQ(errorsOf({"set", "key", "value", "get", "key"}, {}), "");
 }
 

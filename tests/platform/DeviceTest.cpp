@@ -72,6 +72,14 @@ unsigned int readOf(IDevice& device, std::size_t offset, unsigned int untouched 
     return value;
 }
 
+void expectNoHandle(const char* name, int error)
+{
+    SCOPED_TRACE(name == nullptr ? "null" : name);
+    errno = 0;
+    EXPECT_LT(DDevIo_open(name), 0);
+    EXPECT_EQ(errno, error);
+}
+
 TEST_F(DeviceHandle, GivesADescriptorToMap)
 {
     board.write("top.dtcm0", std::string(32768, 'x'));
@@ -107,12 +115,9 @@ TEST_F(DeviceHandle, FollowsALinkToADeviceNode)
 
 TEST_F(DeviceHandle, IsRefusedForADeviceThatIsNotThere)
 {
-    errno = 0;
-    EXPECT_LT(DDevIo_open("device"), 0);
-    EXPECT_EQ(errno, ENOENT);
+    expectNoHandle("device", ENOENT);
     std::filesystem::create_directory(board.file("device"));
-    EXPECT_LT(DDevIo_open("device"), 0);
-    EXPECT_EQ(errno, EISDIR);
+    expectNoHandle("device", EISDIR);
     EXPECT_FALSE(board.has("other"));
 }
 
@@ -120,9 +125,8 @@ TEST_F(DeviceHandle, IsRefusedForAWarmAreaThatIsTooShort)
 {
     for (const std::size_t size : {0U, 1U, 32767U}) {
         board.write("top.dtcm0", std::string(size, 'x'));
-        errno = 0;
-        EXPECT_LT(DDevIo_open("top.dtcm0"), 0) << size;
-        EXPECT_EQ(errno, EIO) << size;
+        SCOPED_TRACE(size);
+        expectNoHandle("top.dtcm0", EIO);
     }
     for (const std::size_t size : {32768U, 32769U}) {
         board.write("top.dtcm0", std::string(size, 'x'));
@@ -147,13 +151,9 @@ TEST_F(DeviceHandle, IsRefusedForWhatIsNoMemory)
     const testsupport::Terminal terminal;
     ASSERT_NE(terminal.path(), "");
     testsupport::makeLink(terminal.path(), board.file("terminal"));
-    const std::pair<const char*, int> cases[] = {
-        {"pipe", ENODEV}, {"terminal", ENODEV}, {"socket", ENXIO}};
-    for (const auto& [name, error] : cases) {
-        errno = 0;
-        EXPECT_LT(DDevIo_open(name), 0) << name;
-        EXPECT_EQ(errno, error) << name;
-    }
+    expectNoHandle("pipe", ENODEV);
+    expectNoHandle("terminal", ENODEV);
+    expectNoHandle("socket", ENXIO);
 }
 
 TEST_F(DeviceHandle, IsOneThatReadsWait)
@@ -167,27 +167,21 @@ TEST_F(DeviceHandle, IsOneThatReadsWait)
 TEST_F(DeviceHandle, IsNoStandardStreamsDescriptor)
 {
     board.write("device", "");
-    const pid_t process = ::fork();
-    if (process == 0) {
+    EXPECT_TRUE(testsupport::holdsInCopy([] {
         for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             ::close(fd);
         }
-        ::_exit(DDevIo_getFileDescriptor(DDevIo_open("device")) > STDERR_FILENO ? 0 : 1);
-    }
-    EXPECT_EQ(testsupport::waitFor(process), 0);
+        return DDevIo_getFileDescriptor(DDevIo_open("device")) > STDERR_FILENO;
+    }));
 }
 
 TEST_F(DeviceHandle, IsRefusedForWhatIsNoName)
 {
     board.write("device", "");
     for (const char* name : NoNames) {
-        errno = 0;
-        EXPECT_LT(DDevIo_open(name), 0) << name;
-        EXPECT_EQ(errno, EINVAL) << name;
+        expectNoHandle(name, EINVAL);
     }
-    errno = 0;
-    EXPECT_LT(DDevIo_open(nullptr), 0);
-    EXPECT_EQ(errno, EINVAL);
+    expectNoHandle(nullptr, EINVAL);
 }
 
 TEST_F(DeviceHandle, CannotBeClosedTwice)
@@ -366,13 +360,10 @@ TEST_F(DeviceFactory, LeavesNoDescriptorOpen)
 {
     std::filesystem::create_directory(board.file("directory"));
     board.write("device", wordsOf({1}));
-    const int before = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    ::close(before);
+    const std::size_t descriptors = testsupport::openDescriptors();
     EXPECT_THAT(open("directory"), IsNull());
     EXPECT_THAT(open("device"), NotNull());
-    const int after = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    ::close(after);
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(testsupport::openDescriptors(), descriptors);
 }
 
 TEST(DeviceMutex, KeepsThreadsApart)

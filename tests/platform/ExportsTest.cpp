@@ -19,10 +19,9 @@ using namespace testsupport;
 /** The names that a shared library defines, without the arguments of functions. */
 std::set<std::string> exportsOf(const std::string& library)
 {
-    Program nm{};
-    nm.path = TEST_NM;
+    Program nm = programAt(
+        TEST_NM, {"-D", "-C", "--defined-only", TEST_LIBRARY_DIR "/lib" + library + ".so"});
     nm.foreign = true;
-    nm.arguments = {"-D", "-C", "--defined-only", TEST_LIBRARY_DIR "/lib" + library + ".so"};
     const Outcome outcome = nm.run();
     EXPECT_EQ(outcome.status, 0) << outcome.err;
 

@@ -148,15 +148,13 @@ TEST_F(TraceMemory, OfAChannelIsNotTakenTwice)
 TEST_F(TraceMemory, MayBeMissingForTheSystemLogAndForStandardError)
 {
     for (const char* output : {"syslog", "stderr"}) {
-        const pid_t process = ::fork();
-        if (process == 0) {
+        EXPECT_TRUE(holdsInCopy([output] {
             setOutput(output);
             GT_TraceRecord record{TraceRecordStartLevel, Name.c_str()};
             testing::internal::CaptureStderr();
             untilItIsEnough([&] { GT_printf2(&record, 1, &Header, "%s\n", Text.c_str()); });
-            ::_exit(0);
-        }
-        EXPECT_EQ(waitFor(process), 0) << output;
+            return true;
+        })) << output;
     }
 }
 

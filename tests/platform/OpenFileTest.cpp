@@ -20,14 +20,12 @@ bool isFree(int fd)
 /** Whether the check holds in a process that has none of these descriptors. */
 bool holdsWithout(const std::vector<int>& descriptors, const std::function<bool()>& check)
 {
-    const pid_t process = ::fork();
-    if (process == 0) {
+    return testsupport::holdsInCopy([&] {
         for (const int fd : descriptors) {
             ::close(fd);
         }
-        ::_exit(check() ? 0 : 1);
-    }
-    return testsupport::waitFor(process) == 0;
+        return check();
+    });
 }
 
 TEST(OpenFile, KeepsOffTheStandardStreamsDescriptors)

@@ -3,6 +3,7 @@
  * @brief The format of the settings file, as people write it and as it is written.
  */
 #include "SettingsText.h"
+#include "Thrown.h"
 
 #include <gmock/gmock.h>
 
@@ -23,11 +24,7 @@ Entries entriesOf(const std::string& text)
 /** What a text is refused with. */
 std::string errorOf(const std::string& text)
 {
-    try {
-        return "none: " + SettingsText(text).text();
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
+    return testsupport::thrownBy([&text] { return SettingsText(text).text(); });
 }
 
 /** The text with one setting alone. */

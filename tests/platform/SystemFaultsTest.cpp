@@ -9,6 +9,7 @@
 #include "OpenFile.h"
 #include "SettingsChange.h"
 #include "SystemCalls.h"
+#include "Thrown.h"
 
 #include <gmock/gmock.h>
 
@@ -27,18 +28,19 @@
 namespace
 {
 
+using systemcalls::fail;
 using systemcalls::Hooks;
 using systemcalls::hooks;
 using systemcalls::real;
 using testsupport::Board;
+using testsupport::thrownBy;
 
 /** Makes one call of a function fail, the others go on to the system. */
 template <typename Result, typename... Arguments>
 void failCall(std::function<Result(Arguments...)> Hooks::*function, int number, int error)
 {
     hooks().*function = [=, count = 0](Arguments... arguments) mutable {
-        return ++count == number ? systemcalls::fail<Result>(error)
-                                 : (real().*function)(arguments...);
+        return ++count == number ? fail<Result>(error) : (real().*function)(arguments...);
     };
 }
 
@@ -158,8 +160,7 @@ std::function<void()> failOpening(const std::string& entry, int error)
 {
     return [=] {
         hooks().openat = [=](int directory, const char* path, int flags, mode_t mode) {
-            return path == entry ? systemcalls::fail(error)
-                                 : real().openat(directory, path, flags, mode);
+            return path == entry ? fail(error) : real().openat(directory, path, flags, mode);
         };
     };
 }
@@ -182,8 +183,7 @@ const StoreFault storeFaults[] = {
     {"LockThatIsTaken",
      [] {
          hooks().fcntl = [](int fd, int command, void* argument) {
-             return command == F_SETLK ? systemcalls::fail(ENOLCK)
-                                       : real().fcntl(fd, command, argument);
+             return command == F_SETLK ? fail(ENOLCK) : real().fcntl(fd, command, argument);
          };
      },
      "cannot lock settings.lock: No locks available"},
@@ -219,15 +219,12 @@ protected:
     /** What changing the key throws. */
     std::string errorOfChange() const
     {
-        try {
+        return thrownBy([this] {
             settings::change(
                 board.file("settings"),
                 [](settings::SettingsText& text) { text.set("key", "other"); },
                 settings::Deadline(std::chrono::seconds(10)));
-            return "none";
-        } catch (const std::exception& error) {
-            return error.what();
-        }
+        });
     }
 };
 
@@ -237,7 +234,7 @@ TEST_P(StoreFaults, AreNamedAndLeaveNoTemporary)
     EXPECT_EQ(errorOfChange(), GetParam().message);
     hooks() = {};
     EXPECT_FALSE(board.has("settings.new"));
-    EXPECT_EQ(errorOfChange(), "none");
+    EXPECT_EQ(errorOfChange(), "nothing");
     EXPECT_EQ(testsupport::readFile(board.file("settings")), "key=other\n");
 }
 
@@ -247,17 +244,17 @@ INSTANTIATE_TEST_SUITE_P(Calls, StoreFaults, testing::ValuesIn(storeFaults),
 TEST_F(StoreFaults, AreNoReasonToGiveUpAnInterruptedWrite)
 {
     failCall(&Hooks::write, 1, EINTR);
-    EXPECT_EQ(errorOfChange(), "none");
+    EXPECT_EQ(errorOfChange(), "nothing");
 }
 
 TEST_F(StoreFaults, OfInterruptedLocksAreTriedAgain)
 {
     int tries = 0;
     hooks().fcntl = [&tries](int fd, int command, void* argument) {
-        return command == F_SETLK && ++tries == 1 ? systemcalls::fail(EINTR)
+        return command == F_SETLK && ++tries == 1 ? fail(EINTR)
                                                   : real().fcntl(fd, command, argument);
     };
-    EXPECT_EQ(errorOfChange(), "none");
+    EXPECT_EQ(errorOfChange(), "nothing");
     EXPECT_EQ(tries, 2);
 }
 
@@ -272,13 +269,9 @@ TEST_F(StoreFaults, OfLookingAtItStopAQuestion)
     os::bsp::NxuConfig config;
     EXPECT_EQ(config.get("key"), "value");
     failCall(&Hooks::stat, 1, EACCES);
-    try {
-        config.get("key");
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(), "cannot read the configuration store " + board.file("settings") +
-                                    ": cannot open: Permission denied");
-    }
+    EXPECT_EQ(thrownBy([&] { config.get("key"); }), "cannot read the configuration store " +
+                                                        board.file("settings") +
+                                                        ": cannot open: Permission denied");
     EXPECT_EQ(config.get("key"), "value");
 }
 

@@ -1,3 +1,4 @@
+#include "ManyThreads.h"
 #include "Program.h"
 #include "Sanitizers.h"
 #include "SystemCalls.h"
@@ -5,7 +6,6 @@
 
 #include <array>
 #include <ctime>
-#include <thread>
 
 namespace
 {
@@ -75,19 +75,14 @@ TEST_F(TraceLibrary, FormatsAsPrintf)
 TEST_F(TraceLibrary, KeepsMessagesOfManyThreadsWhole)
 {
     HvxTrace channel("channel", 3);
-    std::vector<std::thread> threads;
-    for (char letter = 'a'; letter < 'i'; ++letter) {
-        threads.emplace_back([&channel, letter] {
-            GT_TraceRecord record{TraceRecordStartLevel, "channel"};
-            for (int i = 0; i < 50; ++i) {
-                write(channel, 1, std::string(200, letter));
-                GT_printf2(&record, 1, &Header, "%s\n", std::string(300, letter).c_str());
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    inManyThreads(8, [&channel](std::size_t number) {
+        const char letter = "abcdefgh"[number];
+        GT_TraceRecord record{TraceRecordStartLevel, "channel"};
+        for (int i = 0; i < 50; ++i) {
+            write(channel, 1, std::string(200, letter));
+            GT_printf2(&record, 1, &Header, "%s\n", std::string(300, letter).c_str());
+        }
+    });
     EXPECT_THAT(lines(), SizeIs(800));
     for (const std::string& text : texts()) {
         EXPECT_EQ(text, std::string(text.size(), text.at(0)));
@@ -100,14 +95,12 @@ TEST_F(TraceLibrary, KeepsMessagesOfManyProcessesWhole)
     HvxTrace channel("channel", 3);
     std::vector<pid_t> processes;
     for (char letter = 'a'; letter < 'i'; ++letter) {
-        const pid_t process = ::fork();
-        if (process == 0) {
+        processes.push_back(startCopy([&channel, letter] {
             for (int i = 0; i < 50; ++i) {
                 write(channel, 1, std::string(3000, letter));
             }
-            ::_exit(0);
-        }
-        processes.push_back(process);
+            return true;
+        }));
     }
     for (const pid_t process : processes) {
         EXPECT_EQ(waitFor(process), 0);
@@ -127,12 +120,7 @@ TEST_F(TraceLibrary, CanBeUsedByAProcessForkedAtAnyMoment)
     if (!canForkBesideThreads()) {
         GTEST_SKIP() << NoForkBesideThreads;
     }
-    Program program{};
-    program.path = TRACE_CLIENT;
-    program.arguments = {"forks"};
-    const Outcome outcome = program.run();
-    EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(programAt(TRACE_CLIENT, {"forks"}).run(), answer());
     int forked = 0;
     for (const std::string& line : lines()) {
         forked += line.find(" forked[") != std::string::npos ? 1 : 0;

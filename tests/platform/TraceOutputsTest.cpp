@@ -1,15 +1,14 @@
 #include "Program.h"
 #include "Sandbox.h"
 #include "Sanitizers.h"
+#include "SystemLog.h"
 #include "TraceTest.h"
 
 #include <array>
 #include <csignal>
 
 #include <fcntl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 namespace
 {
@@ -23,8 +22,7 @@ TEST_F(TraceOutputs, CanBeNone)
 {
     setOutput("none");
     testing::internal::CaptureStderr();
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
+    write("text");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
 }
@@ -33,8 +31,7 @@ TEST_F(TraceOutputs, CanBeStandardError)
 {
     setOutput("stderr");
     testing::internal::CaptureStderr();
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
+    write("text");
     EXPECT_THAT(testing::internal::GetCapturedStderr(), EndsWith("] 1 folder/file.cpp:42 text\n"));
 }
 
@@ -44,11 +41,10 @@ TEST_F(TraceOutputs, MayBeAPipeThatNobodyReads)
     std::array<int, 2> pipe{};
     ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
     ::close(pipe[0]);
-    const int before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
-    ::dup2(pipe[1], STDERR_FILENO);
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
-    ::dup2(before, STDERR_FILENO);
+    {
+        const StandardErrorAs standardError(pipe[1]);
+        write("text");
+    }
 
     sigset_t pending{};
     EXPECT_EQ(::sigpending(&pending), 0);
@@ -63,8 +59,7 @@ TEST_F(TraceOutputs, MayBeClosed)
     setOutput("stderr");
     const int before = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
     ::close(STDERR_FILENO);
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
+    write("text");
     ::dup2(before, STDERR_FILENO);
     SUCCEED();
 }
@@ -77,9 +72,7 @@ TEST_F(TraceOutputs, AreNotTheFileThatHasStandardErrorsDescriptor)
     setOutput("stderr");
     setLevels("bad");
     testsupport::writeFile(file, "");
-    Program program{};
-    program.path = TRACE_CLIENT;
-    program.arguments = {"reuse", file};
+    Program program = programAt(TRACE_CLIENT, {"reuse", file});
     const Outcome open = program.run();
     EXPECT_THAT(open.err, EndsWith("] 1 file.cpp:7 text\n"));
     EXPECT_EQ(open.status, 3);
@@ -93,8 +86,7 @@ TEST_F(TraceOutputs, AreNotTheFileThatHasStandardErrorsDescriptor)
 TEST_F(TraceOutputs, CanBeAFileThatIsAppendedTo)
 {
     testsupport::writeFile(file, "earlier\n");
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
+    write("text");
     EXPECT_THAT(lines(), ElementsAre("earlier", EndsWith(" text")));
 }
 
@@ -122,44 +114,22 @@ TEST_F(TraceOutputs, AreFoundAfterTheProgramChangedItsDirectory)
 class SystemLog : public TraceTest
 {
 protected:
-    SystemLog() : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0))
-    {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        directory.file("log").copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    }
-    ~SystemLog() override { ::close(socket); }
-
     Outcome trace(const std::string& level, const std::string& text) const
     {
         return withSystemLog(directory.file("log"), TRACE_CLIENT, {"channel", level, text}).run();
     }
 
     /** What the system log got. */
-    std::vector<std::string> logged() const
-    {
-        std::vector<std::string> messages;
-        std::array<char, 8192> buffer{};
-        for (;;) {
-            const ssize_t size = ::recv(socket, buffer.data(), buffer.size(), 0);
-            if (size < 0) {
-                return messages;
-            }
-            messages.emplace_back(buffer.data(), static_cast<std::size_t>(size));
-        }
-    }
+    std::vector<std::string> logged() const { return receiveAll(socket); }
 
-    const int socket;
+    const syscalls::FileDescriptor socket = makeSystemLog(directory.file("log"), SOCK_DGRAM);
 };
 
 TEST_F(SystemLog, IsTheDefault)
 {
     for (const char* output : {"", "syslog"}) {
         setOutput(output);
-        const Outcome outcome = trace("1", "text");
-        EXPECT_EQ(outcome.out + outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(trace("1", "text"), answer());
         const auto messages = logged();
         EXPECT_THAT(messages, SizeIs(2));
         for (const std::string& message : messages) {
@@ -180,9 +150,7 @@ TEST_F(SystemLog, CanBeUsedByAProcessForkedAtAnyMoment)
     }
     setOutput("syslog");
     // Nobody listens, or the log would fill up.
-    const Outcome outcome = withoutSystemLog(TRACE_CLIENT, {"forks"}).run();
-    EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(withoutSystemLog(TRACE_CLIENT, {"forks"}).run(), answer());
 }
 
 TEST_F(SystemLog, GetsTheLevelAsItsPriority)
@@ -208,15 +176,12 @@ TEST_F(SystemLog, MayBeFull)
 {
     setOutput("syslog");
     const int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    sockaddr_un address{};
-    socklen_t size = sizeof address;
-    ASSERT_EQ(::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size), 0);
-    while (::sendto(sender, "x", 1, 0, reinterpret_cast<const sockaddr*>(&address), size) == 1) {
+    const sockaddr_un address = addressOf(directory.file("log"));
+    const auto* const log = reinterpret_cast<const sockaddr*>(&address);
+    while (::sendto(sender, "x", 1, 0, log, sizeof address) == 1) {
     }
     ::close(sender);
-    const Outcome outcome = trace("1", "text");
-    EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(trace("1", "text"), answer());
     EXPECT_THAT(logged(), Each("x"));
 }
 
@@ -230,10 +195,9 @@ TEST_F(SystemLog, GetsWhatCannotGoToAFile)
     };
     for (const auto& [output, why] : cases) {
         setOutput(output);
-        const Outcome outcome = trace("1", "text");
-        EXPECT_EQ(outcome.err,
-                  "qeltrace: ignoring '" + output + "' in QELTRACE_OUTPUT: " + why + "\n");
-        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(
+            trace("1", "text"),
+            refusal("qeltrace: ignoring '" + output + "' in QELTRACE_OUTPUT: " + why + "\n", 0));
         EXPECT_THAT(logged(), SizeIs(2));
     }
 }
@@ -241,9 +205,7 @@ TEST_F(SystemLog, GetsWhatCannotGoToAFile)
 TEST_F(SystemLog, MayBeMissing)
 {
     setOutput("syslog");
-    const Outcome outcome = withoutSystemLog(TRACE_CLIENT, {"channel", "1", "text"}).run();
-    EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(withoutSystemLog(TRACE_CLIENT, {"channel", "1", "text"}).run(), answer());
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "Namespaces.h"
+#include "OtherUser.h"
 #include "Program.h"
 #include "SystemCalls.h"
 #include "TraceTest.h"
@@ -6,15 +7,12 @@
 #include <thread>
 #include <utility>
 
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 
 namespace
 {
 
 using testing::SizeIs;
-using testsupport::Outcome;
 
 using TraceRights = testsupport::TraceTest;
 
@@ -22,8 +20,7 @@ TEST_F(TraceRights, LetTheEnvironmentSaySomethingWhenTheyAreTheStartersOwn)
 {
     setLevels("*=7");
     EXPECT_EQ(levelOf("channel"), 7U);
-    HvxTrace channel("channel", 3);
-    write(channel, 7, "text");
+    write("text", 7);
     EXPECT_THAT(lines(), SizeIs(1));
 }
 
@@ -34,8 +31,7 @@ TEST_F(TraceRights, WhenRaisedLeaveTheEnvironmentUnheeded)
     };
     setLevels("*=7");
     EXPECT_EQ(levelOf("channel"), 3U);
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "text");
+    write("text");
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
@@ -46,10 +42,7 @@ TEST_F(TraceRights, WhenRaisedByTheSystemLeaveTheEnvironmentUnheeded)
     }
     const std::string program = directory.file("program");
     std::filesystem::copy_file(TRACE_CLIENT, program);
-    struct statvfs fileSystem
-    {};
-    ASSERT_EQ(::statvfs(program.c_str(), &fileSystem), 0);
-    if ((fileSystem.f_flag & ST_NOSUID) != 0 || ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) == 1) {
+    if (!testsupport::programsGetRightsIn(directory.path())) {
         GTEST_SKIP() << (testsupport::haveNamespaces() ? "" : testsupport::NoNamespaces)
                      << "programs do not get the rights of their files here";
     }
@@ -58,15 +51,11 @@ TEST_F(TraceRights, WhenRaisedByTheSystemLeaveTheEnvironmentUnheeded)
     if (::chown(program.c_str(), ::getuid(), OtherGroup) != 0) {
         GTEST_SKIP() << "only root gives files to other groups";
     }
-    testsupport::Program client{};
-    client.path = program;
-    client.arguments = {"channel", "1", "text"};
+    const auto client = testsupport::programAt(program, {"channel", "1", "text"});
     for (const mode_t mode : {0755U, 02755U}) {
         std::filesystem::remove(file);
         ASSERT_EQ(::chmod(program.c_str(), mode), 0);
-        const Outcome outcome = client.run();
-        EXPECT_EQ(outcome.out + outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(client.run(), testsupport::answer());
         EXPECT_THAT(lines(), SizeIs(mode == 0755U ? 2 : 0));
     }
 }
@@ -78,24 +67,22 @@ TEST_F(TraceRights, AreLookedAtByAProcessThatIsForkedMeanwhileToo)
     }
     setLevels("bad");
     testing::internal::CaptureStderr();
-    int status = -1;
+    bool isRight = false;
     bool isForked = false;
     systemcalls::hooks().secure_getenv = [&](const char* name) {
         if (std::exchange(isForked, true)) {
             return systemcalls::real().secure_getenv(name);
         }
         std::thread([&] {
-            const pid_t process = ::fork();
-            if (process == 0) {
+            isRight = testsupport::holdsInCopy([] {
                 ::alarm(30);
-                ::_exit(levelOf("channel") == 3 ? 0 : 1);
-            }
-            status = testsupport::waitFor(process);
+                return levelOf("channel") == 3;
+            });
         }).join();
         return systemcalls::real().secure_getenv(name);
     };
     EXPECT_EQ(levelOf("channel"), 3U);
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(isRight);
     const std::string report =
         "qeltrace: ignoring 'bad' in QELTRACE_LEVEL: not of the form CHANNEL=LEVEL\n";
     EXPECT_EQ(testing::internal::GetCapturedStderr(), report + report); // of either process

@@ -39,6 +39,13 @@ protected:
         channel.endLogMsg();
     }
 
+    /** Writes one message of a channel of its own. */
+    static void write(const std::string& text, HvxTraceLevel level = 1)
+    {
+        HvxTrace channel("channel", 3);
+        write(channel, level, text);
+    }
+
     /** The channel's level as its modules see it. */
     static HvxTraceLevel levelOf(const std::string& name)
     {

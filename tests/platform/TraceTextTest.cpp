@@ -95,8 +95,7 @@ TEST_F(TraceText, ShowsWhatIsNoLetterByItsBytes)
 
 TEST_F(TraceText, MayHoldNul)
 {
-    HvxTrace channel("channel", 3);
-    write(channel, 1, std::string("a\0b", 3));
+    write(std::string("a\0b", 3));
     EXPECT_THAT(texts(), ElementsAre("a\\x00b"));
 }
 
@@ -110,8 +109,7 @@ TEST_F(TraceText, IsNotTheOnlyPartThatIsOnOneLine)
 
 TEST_F(TraceText, IsCutWhereAPipeWouldNotTakeItInOnePiece)
 {
-    HvxTrace channel("channel", 3);
-    write(channel, 1, std::string(5000, 'x'));
+    write(std::string(5000, 'x'));
     GT_TraceRecord record{TraceRecordStartLevel, "channel"};
     GT_printf2(&record, 1, &Header, "%s\n", std::string(1000000, 'y').c_str());
     EXPECT_THAT(lines(), ElementsAre(AllOf(SizeIs(4095), EndsWith("xxx...")),
@@ -120,18 +118,16 @@ TEST_F(TraceText, IsCutWhereAPipeWouldNotTakeItInOnePiece)
 
 TEST_F(TraceText, IsCutOnlyWhereItMust)
 {
-    HvxTrace channel("channel", 3);
-    write(channel, 1, "");
+    write("");
     const std::size_t room = 4095 - lines()[0].size();
-    write(channel, 1, std::string(room, 'x'));
-    write(channel, 1, std::string(room + 1, 'x'));
+    write(std::string(room, 'x'));
+    write(std::string(room + 1, 'x'));
     EXPECT_EQ(texts()[1], std::string(room, 'x'));
     EXPECT_EQ(texts()[2], std::string(room - 3, 'x') + "...");
 }
 
 TEST_F(TraceText, IsCutBetweenTwoLetters)
 {
-    HvxTrace channel("channel", 3);
     for (std::size_t i = 0; i < 4; ++i) {
         std::string letters(i, '.');
         std::string bytes(i, '.');
@@ -139,8 +135,8 @@ TEST_F(TraceText, IsCutBetweenTwoLetters)
             letters += "\xC3\xBC";
             bytes += "\n";
         }
-        write(channel, 1, letters);
-        write(channel, 1, bytes);
+        write(letters);
+        write(bytes);
         EXPECT_THAT(lines(), SizeIs(2 * i + 2));
         EXPECT_THAT(lines()[2 * i], EndsWith("\xC3\xBC..."));
         EXPECT_THAT(lines()[2 * i + 1], EndsWith("\\x0A..."));
@@ -149,9 +145,8 @@ TEST_F(TraceText, IsCutBetweenTwoLetters)
 
 TEST_F(TraceText, IsCutWithAMarkBeforeMainToo)
 {
-    testsupport::Program program{};
-    program.path = std::filesystem::read_symlink("/proc/self/exe");
-    program.arguments = {"--gtest_filter=-*"};
+    testsupport::Program program = testsupport::programAt(
+        std::filesystem::read_symlink("/proc/self/exe"), {"--gtest_filter=-*"});
     program.environment = {{Early, std::string(5000, 'x')}};
     EXPECT_EQ(program.run().status, 0);
     EXPECT_THAT(texts(), ElementsAre(EndsWith("xxx...")));

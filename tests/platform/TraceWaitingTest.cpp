@@ -3,6 +3,7 @@
 #include "OtherUser.h"
 #include "Program.h"
 #include "SystemCalls.h"
+#include "SystemLog.h"
 #include "TraceTest.h"
 
 #include <array>
@@ -10,40 +11,13 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <termios.h>
 
 namespace
 {
 
 using namespace testing;
-using testsupport::TraceTest;
-
-sockaddr_un addressOf(const std::string& path)
-{
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    return address;
-}
-
-/** While it lives, standard error is another file. */
-class StandardErrorAs
-{
-public:
-    explicit StandardErrorAs(const syscalls::FileDescriptor& file)
-        : m_before(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3))
-    {
-        ::dup2(file.get(), STDERR_FILENO);
-    }
-    ~StandardErrorAs() { ::dup2(m_before.get(), STDERR_FILENO); }
-    StandardErrorAs(const StandardErrorAs&) = delete;
-    StandardErrorAs& operator=(const StandardErrorAs&) = delete;
-
-private:
-    const syscalls::FileDescriptor m_before;
-};
+using namespace testsupport;
 
 /** Two connected descriptors: what is written to the second is read from the first. */
 struct Connection
@@ -69,10 +43,9 @@ struct Connection
     syscalls::FileDescriptor writer;
 };
 
-/** What can be read without waiting. */
+/** All up to the end, or up to where it would wait. */
 std::string readAll(const syscalls::FileDescriptor& file)
 {
-    ::fcntl(file.get(), F_SETFL, O_NONBLOCK);
     std::string all;
     std::array<char, 65536> buffer{};
     ssize_t count = 0;
@@ -80,6 +53,12 @@ std::string readAll(const syscalls::FileDescriptor& file)
         all.append(buffer.data(), static_cast<std::size_t>(count));
     }
     return all;
+}
+
+std::string readWithoutWaiting(const syscalls::FileDescriptor& file)
+{
+    ::fcntl(file.get(), F_SETFL, O_NONBLOCK);
+    return readAll(file);
 }
 
 /** The line that tells of lost messages. */
@@ -97,10 +76,7 @@ protected:
 
     TraceWaiting() { setOutput("stderr"); }
 
-    void trace(const std::string& text)
-    {
-        GT_printf2(&m_record, 1, &testsupport::Header, "%s\n", text.c_str());
-    }
+    void trace(const std::string& text) { GT_printf2(&m_record, 1, &Header, "%s\n", text.c_str()); }
     /** Writes more than pipes and sockets take. */
     void writeMany()
     {
@@ -113,19 +89,30 @@ protected:
     void expectTheFirst(const syscalls::FileDescriptor& reader,
                         const std::function<void()>& writeNext) const
     {
-        const std::string first = readAll(reader);
+        const std::string first = readWithoutWaiting(reader);
         EXPECT_THAT(first, EndsWith("x\n"));
-        const std::vector<std::string> written = testsupport::linesOf(first);
+        const std::vector<std::string> written = linesOf(first);
         EXPECT_GT(written.size(), 0U);
         EXPECT_LT(written.size(), Count);
         for (const std::string& line : written) {
             EXPECT_THAT(line, EndsWith(" " + std::string(4000, 'x')));
         }
         writeNext();
-        EXPECT_THAT(testsupport::linesOf(readAll(reader)),
+        EXPECT_THAT(linesOf(readAll(reader)),
                     ElementsAre(tellsOf(Count - written.size()), EndsWith(" text")));
         writeNext();
-        EXPECT_THAT(testsupport::linesOf(readAll(reader)), ElementsAre(EndsWith(" text")));
+        EXPECT_THAT(linesOf(readAll(reader)), ElementsAre(EndsWith(" text")));
+    }
+
+    /** The same of standard error, when that is the connection. */
+    void expectTheFirst(const Connection& connection)
+    {
+        const auto withConnection = [&](const std::function<void()>& work) {
+            const StandardErrorAs standardError(connection.writer.get());
+            work();
+        };
+        withConnection([this] { writeMany(); });
+        expectTheFirst(connection.reader, [&] { withConnection([this] { trace("text"); }); });
     }
 
 private:
@@ -135,15 +122,8 @@ private:
 TEST_F(TraceWaiting, IsNotForAFullPipe)
 {
     const Connection pipe = Connection::pipe();
-    {
-        const StandardErrorAs standardError(pipe.writer);
-        writeMany();
-    }
+    expectTheFirst(pipe);
     EXPECT_EQ(::fcntl(pipe.writer.get(), F_GETFL) & O_NONBLOCK, 0);
-    expectTheFirst(pipe.reader, [&] {
-        const StandardErrorAs standardError(pipe.writer);
-        trace("text");
-    });
 }
 
 TEST_F(TraceWaiting, IsNotForAFullPipeOfAnotherUser)
@@ -152,52 +132,42 @@ TEST_F(TraceWaiting, IsNotForAFullPipeOfAnotherUser)
         GTEST_SKIP() << "only root becomes another user";
     }
     const Connection pipe = Connection::pipe();
-    const pid_t process = ::fork();
-    if (process == 0) {
-        testsupport::becomeOrdinaryUser();
+    EXPECT_TRUE(holdsInCopy([&] {
+        becomeOrdinaryUser();
         ::alarm(30);
         ::dup2(pipe.writer.get(), STDERR_FILENO);
         writeMany();
-        ::_exit(0);
-    }
-    EXPECT_EQ(testsupport::waitFor(process), 0);
-    EXPECT_THAT(readAll(pipe.reader), EndsWith(" " + std::string(4000, 'x') + '\n'));
+        return true;
+    }));
+    EXPECT_THAT(readWithoutWaiting(pipe.reader), EndsWith(" " + std::string(4000, 'x') + '\n'));
 }
 
 TEST_F(TraceWaiting, IsNotForAFullSocket)
 {
-    const Connection sockets = Connection::sockets();
-    {
-        const StandardErrorAs standardError(sockets.writer);
-        writeMany();
-    }
-    expectTheFirst(sockets.reader, [&] {
-        const StandardErrorAs standardError(sockets.writer);
-        trace("text");
-    });
+    expectTheFirst(Connection::sockets());
 }
 
 TEST_F(TraceWaiting, IsNotForAStoppedTerminal)
 {
-    const testsupport::Terminal terminal;
+    const Terminal terminal;
     ASSERT_NE(terminal.path(), "");
     const syscalls::FileDescriptor screen(
         ::open(terminal.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
     ASSERT_EQ(::tcflow(screen.get(), TCOOFF), 0);
-    const StandardErrorAs standardError(screen);
+    const StandardErrorAs standardError(screen.get());
     trace("first");
     trace("second");
-    EXPECT_EQ(readAll(terminal.user()), "");
+    EXPECT_EQ(readWithoutWaiting(terminal.user()), "");
     ASSERT_EQ(::tcflow(screen.get(), TCOON), 0);
     trace("text");
-    EXPECT_THAT(testsupport::linesOf(readAll(terminal.user())),
+    EXPECT_THAT(linesOf(readAll(terminal.user())),
                 ElementsAre(EndsWith(" messages lost: 2\r"), EndsWith(" text\r")));
 }
 
 TEST_F(TraceWaiting, IsNotForAFullNamedPipe)
 {
     setOutput(file);
-    testsupport::makeNode(S_IFIFO, file);
+    makeNode(S_IFIFO, file);
     const syscalls::FileDescriptor reader(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     writeMany();
     expectTheFirst(reader, [&] { trace("text"); });
@@ -215,28 +185,21 @@ TEST_F(TraceWaiting, KeepsMessagesOfManyProcessesWholeInAPipe)
     Connection pipe = Connection::pipe();
     std::vector<pid_t> processes;
     for (char letter = 'a'; letter < 'e'; ++letter) {
-        const pid_t process = ::fork();
-        if (process == 0) {
+        processes.push_back(startCopy([&] {
             ::dup2(pipe.writer.get(), STDERR_FILENO);
             for (int i = 0; i < 200; ++i) {
                 trace(std::string(3000, letter));
             }
-            ::_exit(0);
-        }
-        processes.push_back(process);
+            return true;
+        }));
     }
     pipe.writer = syscalls::FileDescriptor(-1);
-    std::string all;
-    std::array<char, 65536> buffer{};
-    ssize_t count = 0;
-    while ((count = ::read(pipe.reader.get(), buffer.data(), buffer.size())) > 0) {
-        all.append(buffer.data(), static_cast<std::size_t>(count));
-    }
+    const std::string all = readAll(pipe.reader);
     for (const pid_t process : processes) {
-        EXPECT_EQ(testsupport::waitFor(process), 0);
+        EXPECT_EQ(waitFor(process), 0);
     }
     std::size_t whole = 0;
-    for (const std::string& line : testsupport::linesOf(all)) {
+    for (const std::string& line : linesOf(all)) {
         const std::string text = line.substr(line.find(' ', line.find("] 1 ") + 4) + 1);
         whole += text == std::string(3000, text.front()) ? 1 : 0;
         EXPECT_TRUE(text == std::string(3000, text.front()) ||
@@ -265,14 +228,7 @@ protected:
     }
     ~WaitingSystemLog() override { systemcalls::hooks() = {}; }
 
-    syscalls::FileDescriptor listen(int type) const
-    {
-        syscalls::FileDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-        const sockaddr_un address = addressOf(systemLog);
-        EXPECT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-                  0);
-        return socket;
-    }
+    syscalls::FileDescriptor listen(int type) const { return makeSystemLog(systemLog, type); }
 
     /** A message as the system log gets it. */
     static std::string message(const std::string& text)
@@ -286,17 +242,6 @@ protected:
     /** Done once, when it connects next. */
     std::function<void()> meanwhile;
 };
-
-std::vector<std::string> receiveAll(const syscalls::FileDescriptor& socket)
-{
-    std::vector<std::string> messages;
-    std::array<char, 8192> buffer{};
-    ssize_t size = 0;
-    while ((size = ::recv(socket.get(), buffer.data(), buffer.size(), 0)) > 0) {
-        messages.emplace_back(buffer.data(), static_cast<std::size_t>(size));
-    }
-    return messages;
-}
 
 TEST_F(WaitingSystemLog, MayBeFull)
 {
@@ -325,7 +270,7 @@ TEST_F(WaitingSystemLog, MayBeAStream)
     for (const char* text : {"first", "second"}) {
         const syscalls::FileDescriptor connection(
             ::accept4(log.get(), nullptr, nullptr, SOCK_CLOEXEC));
-        const std::string sent = readAll(connection);
+        const std::string sent = readWithoutWaiting(connection);
         ASSERT_THAT(sent, Not(IsEmpty()));
         EXPECT_EQ(sent.back(), '\0');
         EXPECT_THAT(sent.substr(0, sent.size() - 1), MatchesRegex(message(text)));

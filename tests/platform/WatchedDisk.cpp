@@ -17,8 +17,7 @@ using namespace systemcalls;
 
 ino_t inodeOf(const std::string& path)
 {
-    struct stat status
-    {};
+    struct stat status = {};
     ::stat(path.c_str(), &status);
     return status.st_ino;
 }

@@ -48,6 +48,13 @@ inline std::vector<std::string> linesOf(const std::string& text)
     return lines;
 }
 
+/** The words of a text. */
+inline std::vector<std::string> wordsOf(const std::string& text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 /** The bytes of an object as they lie in memory. */
 template <typename Type> std::string bytesOf(const Type& object)
 {

@@ -10,6 +10,8 @@
 
 #include <fcntl.h>
 #include <grp.h>
+#include <sys/prctl.h>
+#include <sys/statvfs.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -37,12 +39,18 @@ inline void becomeOrdinaryUser()
 /** Whether an ordinary user gets as far as that path. */
 inline bool canBeReachedByOthers(const std::string& path)
 {
-    const pid_t process = ::fork();
-    if (process == 0) {
+    return holdsInCopy([&path] {
         becomeOrdinaryUser();
-        ::_exit(::faccessat(AT_FDCWD, path.c_str(), X_OK, 0) == 0 ? 0 : 1);
-    }
-    return waitFor(process) == 0;
+        return ::faccessat(AT_FDCWD, path.c_str(), X_OK, 0) == 0;
+    });
+}
+
+/** Whether programs in that directory get the rights that their files' modes give. */
+inline bool programsGetRightsIn(const std::string& directory)
+{
+    struct statvfs disk = {};
+    return ::statvfs(directory.c_str(), &disk) == 0 && (disk.f_flag & ST_NOSUID) == 0 &&
+           ::prctl(PR_GET_NO_NEW_PRIVS, 0, 0, 0, 0) != 1;
 }
 
 /** Whether an ordinary user gets as far as the libraries of the emulator, if there is one. */

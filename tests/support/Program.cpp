@@ -152,8 +152,13 @@ Outcome Program::run() const
 
 Program tool(const std::string& name, std::vector<std::string> arguments)
 {
+    return programAt(std::string(BSP_TEST_BIN_DIR) + '/' + name, std::move(arguments));
+}
+
+Program programAt(const std::string& path, std::vector<std::string> arguments)
+{
     Program program{};
-    program.path = std::string(BSP_TEST_BIN_DIR) + '/' + name;
+    program.path = path;
     program.arguments = std::move(arguments);
     return program;
 }
@@ -167,6 +172,27 @@ void expectGolden(const Program& program, const std::vector<Golden>& table)
         EXPECT_EQ(called.run(), row.outcome)
             << testing::PrintToString(row.arguments) << testing::PrintToString(row.environment);
     }
+}
+
+std::string outputOf(const Program& program)
+{
+    const Outcome outcome = program.run();
+    EXPECT_EQ(outcome, answer(outcome.out)) << testing::PrintToString(program.arguments);
+    return outcome.out;
+}
+
+pid_t startCopy(const std::function<bool()>& work)
+{
+    const pid_t process = ::fork();
+    if (process == 0) {
+        ::_exit(work() ? 0 : 1);
+    }
+    return process;
+}
+
+bool holdsInCopy(const std::function<bool()>& work)
+{
+    return waitFor(startCopy(work)) == 0;
 }
 
 int waitFor(pid_t process)

@@ -68,6 +68,9 @@ std::vector<std::string> emulator();
 /** A program of this project's build, such as "bsp" or "bsp-board". */
 Program tool(const std::string& name, std::vector<std::string> arguments = {});
 
+/** The program of that path. */
+Program programAt(const std::string& path, std::vector<std::string> arguments = {});
+
 /** A row of a golden table: what a program is called with, and all that comes of it. */
 struct Golden
 {
@@ -78,6 +81,15 @@ struct Golden
 
 /** Runs the program for each row of the table and expects all its outcome. */
 void expectGolden(const Program& program, const std::vector<Golden>& table);
+
+/** What a program prints, of which is expected that it complains of nothing and succeeds. */
+std::string outputOf(const Program& program);
+
+/** Starts a copy of this process for that work alone; it ends with 0 if the work returns true. */
+pid_t startCopy(const std::function<bool()>& work);
+
+/** Whether that work returns true in a copy of this process. */
+bool holdsInCopy(const std::function<bool()>& work);
 
 /** Waits for a process's end: its exit status, or 128 + N after signal N. */
 int waitFor(pid_t process);

@@ -1,0 +1,23 @@
+#ifndef TESTS_SUPPORT_THROWN_H
+#define TESTS_SUPPORT_THROWN_H
+
+#include <exception>
+#include <string>
+
+namespace testsupport
+{
+
+/** What the exception says that the work throws; "nothing" when it throws none. */
+template <typename Work> std::string thrownBy(const Work& work)
+{
+    try {
+        work();
+        return "nothing";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+} // namespace testsupport
+
+#endif
