@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <map>
@@ -104,6 +105,16 @@ std::vector<std::string> takeLines(HvxTraceLevel maxLevel)
                             message.text);
         }
     }
+    return lines;
+}
+
+std::vector<std::string> takeLinesOf(const std::string& channel)
+{
+    std::vector<std::string> lines = takeLines();
+    const auto isOfAnother = [&](const std::string& line) {
+        return line.rfind(channel + ' ', 0) != 0;
+    };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isOfAnother), lines.end());
     return lines;
 }
 

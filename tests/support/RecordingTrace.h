@@ -33,6 +33,9 @@ std::vector<Message> takeMessages();
 /** The same as lines "CHANNEL LEVEL TEXT", up to the given level. */
 std::vector<std::string> takeLines(HvxTraceLevel maxLevel = 7);
 
+/** The lines of that channel alone. */
+std::vector<std::string> takeLinesOf(const std::string& channel);
+
 /** Sets the level of a channel, at once and for when it is opened later. */
 void setLevel(const std::string& channel, HvxTraceLevel level);
 

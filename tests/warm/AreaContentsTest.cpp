@@ -1,6 +1,6 @@
-
 #include "AreaTest.h"
 
+#include <functional>
 #include <ostream>
 
 namespace
@@ -10,23 +10,31 @@ using namespace areatest;
 using namespace testing;
 using namespace warmboard;
 
-struct Decision
+/** A board at its restart. */
+struct Restart
 {
-    std::uint32_t cause;
+    std::string name;
+    std::function<void()> describe;
     bool clears;
+    int registers; /**< How many devices are asked for the cause. */
 
-    friend std::ostream& operator<<(std::ostream& stream, const Decision& decision)
+    friend std::ostream& operator<<(std::ostream& stream, const Restart& restart)
     {
-        return stream << decision.cause;
+        return stream << restart.name;
     }
 };
 
-class ClearingByCause : public TestWithParam<Decision>
+Restart withCause(std::uint32_t cause, bool clears)
+{
+    return {"Cause" + std::to_string(cause), [cause] { useNxu4(cause); }, clears, 1};
+}
+
+class Clearing : public TestWithParam<Restart>
 {};
 
-TEST_P(ClearingByCause, FollowsTheResetCause)
+TEST_P(Clearing, FollowsTheResetCause)
 {
-    useNxu4(GetParam().cause);
+    GetParam().describe();
     const std::string contents = areaWith({{0, "FIRST"}, {1, "SECOND"}});
     fillArea(contents);
     WarmDatabase::getInstance();
@@ -37,50 +45,35 @@ TEST_P(ClearingByCause, FollowsTheResetCause)
         EXPECT_THAT(takeLines(), ElementsAre(warm, freeTable, used(1, "FIRST"), used(2, "SECOND")));
         EXPECT_EQ(area(), contents);
     }
+    EXPECT_EQ(fakedevices::control().created, GetParam().registers);
 }
 
-INSTANTIATE_TEST_SUITE_P(ResetCauses, ClearingByCause,
-                         Values(Decision{0, true}, Decision{1, false}, Decision{2, false},
-                                Decision{3, false}, Decision{4, false}, Decision{77, false},
-                                Decision{0xFFFFFFFFU, false}),
-                         [](const auto& test) { return std::to_string(test.param.cause); });
+const Restart restarts[] = {
+    withCause(0, true),
+    withCause(1, false),
+    withCause(2, false),
+    withCause(3, false),
+    withCause(4, false),
+    withCause(77, false),
+    withCause(0xFFFFFFFFU, false),
+    {"UnreadableCause",
+     [] {
+         useNxu4(Cold);
+         fakedevices::control().readFails = true;
+     },
+     false, 1},
+    {"WithoutARegister", [] { use(Nxu5Word, Nxu4aProduct); }, true, 0},
+    {"OfKt4851_4", [] { use(Nxu5Word, Kt4851_4Product); }, false, 0},
+    {"OfKt4851_4WithTheMarker",
+     [] {
+         use(Nxu5Word, Kt4851_4Product);
+         testsupport::writeFile("/tmp/restart_cold", "");
+     },
+     true, 0},
+};
 
-TEST(Clearing, OnABoardWithoutARegister)
-{
-    use(Nxu5Word, Nxu4aProduct);
-    fillArea(areaWith({{0, "FIRST"}}));
-    WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(), ElementsAre(cold, freeTable));
-    EXPECT_EQ(area(), zeros());
-    EXPECT_EQ(fakedevices::control().created, 0);
-}
-
-TEST(Clearing, OfKt4851_4WithoutTheMarker)
-{
-    use(Nxu5Word, Kt4851_4Product);
-    fillArea(areaWith({{0, "FIRST"}}));
-    WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(), ElementsAre(warm, freeTable, used(1, "FIRST")));
-}
-
-TEST(Clearing, OfKt4851_4WithTheMarker)
-{
-    use(Nxu5Word, Kt4851_4Product);
-    testsupport::writeFile("/tmp/restart_cold", "");
-    fillArea(areaWith({{0, "FIRST"}}));
-    WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(), ElementsAre(cold, freeTable));
-    EXPECT_EQ(area(), zeros());
-}
-
-TEST(Clearing, OnAnUnreadableResetCauseKeepsTheArea)
-{
-    useNxu4(Cold);
-    fakedevices::control().readFails = true;
-    fillArea(areaWith({{0, "FIRST"}}));
-    WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(), ElementsAre(warm, freeTable, used(1, "FIRST")));
-}
+INSTANTIATE_TEST_SUITE_P(Restarts, Clearing, ValuesIn(restarts),
+                         [](const auto& test) { return test.param.name; });
 
 TEST(Listing, LooksAtEveryBlock)
 {

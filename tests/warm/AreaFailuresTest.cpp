@@ -1,8 +1,8 @@
-
 #include "AreaTest.h"
 
 #include <cerrno>
 #include <csignal>
+#include <ostream>
 #include <stdexcept>
 
 namespace
@@ -12,50 +12,42 @@ using namespace areatest;
 using namespace testing;
 using namespace warmboard;
 
-TEST(Device, ThatIsMissing)
+const std::string noArea =
+    prefix + "1 memoryMapTheDatabase(): Error during initialization of warm area";
+
+/** A device that gives no area. */
+struct Useless
 {
-    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
+    const char* name;
+    fakedevices::Dtcm::Kind kind;
+    std::string message;
+    Lines calls;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Useless& device)
+    {
+        return stream << device.name;
+    }
+};
+
+class UselessDevice : public TestWithParam<Useless>
+{
+protected:
+    UselessDevice() { fakedevices::dtcm().kind = GetParam().kind; }
+};
+
+TEST_P(UselessDevice, IsReplacedByAPrivateArea)
+{
     useNxu4(Warm);
     WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(
-        takeLines(),
-        ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of warm area",
-                    warm, freeTable));
+    EXPECT_THAT(takeLines(), ElementsAre(GetParam().message, warm, freeTable));
     EXPECT_EQ(database.getNumberOfFreeBlocks(), 32U);
-    EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0"));
+    EXPECT_EQ(fakedevices::dtcm().calls, GetParam().calls);
     void* object = nullptr;
     EXPECT_TRUE(database.createObject("PRIVATE", &object, 8, true));
 }
 
-TEST(Device, ThatCannotBeMapped)
+TEST_P(UselessDevice, CannotBeReplacedWithoutMemory)
 {
-    fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
-    useNxu4(Warm);
-    WarmDatabase& database = WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(),
-                ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
-                                     "warm area, error: Permission denied",
-                            warm, freeTable));
-    EXPECT_EQ(database.getNumberOfFreeBlocks(), 32U);
-    EXPECT_THAT(fakedevices::dtcm().calls, ElementsAre("open top.dtcm0", "close 0"));
-    void* object = nullptr;
-    EXPECT_TRUE(database.createObject("PRIVATE", &object, 8, true));
-}
-
-TEST(Device, ThatMayNotBeLockedInMemory)
-{
-    systemcalls::queue("mmap", {{-1, EAGAIN}});
-    useNxu4(Warm);
-    WarmDatabase::getInstance();
-    EXPECT_THAT(takeLines(),
-                ElementsAre(prefix + "1 memoryMapTheDatabase(): Error during initialization of "
-                                     "warm area, error: Resource temporarily unavailable",
-                            warm, freeTable));
-}
-
-TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
-{
-    fakedevices::dtcm().kind = fakedevices::Dtcm::Missing;
     systemcalls::queue("calloc", {{-1, ENOMEM}});
     EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
                 AllOf(HasSubstr("os_extensions/bsp/src/warm/Database.cpp:"),
@@ -63,12 +55,23 @@ TEST(DeviceDeath, WithoutMemoryForAPrivateArea)
                                 "failed.")));
 }
 
-TEST(DeviceDeath, WithoutMemoryAfterAFailedMapping)
+const Useless uselessDevices[] = {
+    {"Missing", fakedevices::Dtcm::Missing, noArea, {"open top.dtcm0"}},
+    {"Unmappable",
+     fakedevices::Dtcm::Unmappable,
+     noArea + ", error: Permission denied",
+     {"open top.dtcm0", "close 0"}},
+};
+INSTANTIATE_TEST_SUITE_P(All, UselessDevice, ValuesIn(uselessDevices),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Device, ThatMayNotBeLockedInMemory)
 {
-    fakedevices::dtcm().kind = fakedevices::Dtcm::Unmappable;
-    systemcalls::queue("calloc", {{-1, ENOMEM}});
-    EXPECT_EXIT(WarmDatabase::getInstance(), KilledBySignal(SIGABRT),
-                HasSubstr("memoryMapTheDatabase(): Assertion `m_mappedMemory != nullptr' failed."));
+    systemcalls::queue("mmap", {{-1, EAGAIN}});
+    useNxu4(Warm);
+    WarmDatabase::getInstance();
+    EXPECT_THAT(takeLines(),
+                ElementsAre(noArea + ", error: Resource temporarily unavailable", warm, freeTable));
 }
 
 TEST(Semaphore, ThatCannotBeCreated)

@@ -1,4 +1,3 @@
-
 #include "AreaTest.h"
 
 #include <cstdlib>

@@ -11,6 +11,7 @@ namespace
 using namespace objectstest;
 using os::bsp::dtcm::WarmDatabase;
 using namespace testing;
+using namespace warmboard;
 using FindOrCreate = Objects;
 using SyncPointer = Objects;
 using CInterface = Objects;
@@ -20,7 +21,7 @@ TEST_F(FindOrCreate, CreatesOnce)
     WarmDatabase& database = open();
     ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
     EXPECT_TRUE(m_created);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(created("A", 1, 8), synced("A", 1)));
+    EXPECT_THAT(takeLines(), ElementsAre(created("A", 1, 8), synced("A", 1)));
     void* again = nullptr;
     std::mutex* syncAgain = nullptr;
     ASSERT_TRUE(database.getObjectData("A", &again, 9, &syncAgain, m_created));
@@ -28,38 +29,29 @@ TEST_F(FindOrCreate, CreatesOnce)
     EXPECT_EQ(again, m_object);
     EXPECT_EQ(syncAgain, m_sync);
     EXPECT_NE(m_sync, nullptr);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(retrieved("A", 1, 9), synced("A", 1)));
+    EXPECT_THAT(takeLines(), ElementsAre(retrieved("A", 1, 9), synced("A", 1)));
 }
 
 TEST_F(FindOrCreate, HoldsTheSemaphoreAllTheTime)
 {
     WarmDatabase& database = open();
-    std::vector<int> values;
-    recordingtrace::setObserver([&values](const recordingtrace::Message& /*message*/) {
-        values.push_back(warmcalls::semaphoreValue());
-    });
+    watchSemaphore();
     for (int i = 0; i < 2; ++i) {
         ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
         EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait", "sem_post"));
     }
-    EXPECT_THAT(values, ElementsAre(0, 0, 0, 0));
+    EXPECT_THAT(m_values, ElementsAre(0, 0, 0, 0));
 }
 
 TEST_F(FindOrCreate, ReportsTwiceWhatDoesNotFit)
 {
-    WarmDatabase& database = open(warmboard::areaWith({{0, "A"}}));
+    WarmDatabase& database = open(areaWith({{0, "A"}}));
     const std::string name(16, 'n');
-    m_object = &database;
-    m_sync = reinterpret_cast<std::mutex*>(&m_object);
-    m_created = true;
-    EXPECT_FALSE(database.getObjectData(name, &m_object, 8, &m_sync, m_created));
-    EXPECT_EQ(m_object, nullptr);
-    EXPECT_EQ(m_sync, nullptr);
-    EXPECT_FALSE(m_created);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLong(name), tooLong(name)));
+    expectNothing(database, name, 8);
+    EXPECT_THAT(takeLines(), ElementsAre(tooLong(name), tooLong(name)));
 
-    EXPECT_FALSE(database.getObjectData("A", &m_object, 1009, &m_sync, m_created));
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLarge(1009), tooLarge(1009)));
+    expectNothing(database, "A", 1009);
+    EXPECT_THAT(takeLines(), ElementsAre(tooLarge(1009), tooLarge(1009)));
     EXPECT_EQ(warmcalls::semaphoreValue(), 1);
 }
 
@@ -67,14 +59,8 @@ TEST_F(FindOrCreate, FailsInAFullStore)
 {
     WarmDatabase& database = open();
     use(database, 32);
-    m_object = &database;
-    m_sync = reinterpret_cast<std::mutex*>(&m_object);
-    m_created = true;
-    EXPECT_FALSE(database.getObjectData("one more", &m_object, 8, &m_sync, m_created));
-    EXPECT_EQ(m_object, nullptr);
-    EXPECT_EQ(m_sync, nullptr);
-    EXPECT_FALSE(m_created);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(outOfSpace));
+    expectNothing(database, "one more", 8);
+    EXPECT_THAT(takeLines(), ElementsAre(outOfSpace));
     EXPECT_EQ(warmcalls::semaphoreValue(), 1);
     EXPECT_TRUE(database.getObjectData("31", &m_object, 8, &m_sync, m_created));
     EXPECT_FALSE(m_created);
@@ -89,7 +75,7 @@ TEST_F(FindOrCreate, OfTheEmptyNameHasNoMutex)
         EXPECT_TRUE(m_created);
         EXPECT_NE(m_object, nullptr);
         EXPECT_EQ(m_sync, nullptr);
-        EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(created("", 1, 8)));
+        EXPECT_THAT(takeLines(), ElementsAre(created("", 1, 8)));
     }
 }
 
@@ -100,7 +86,7 @@ TEST_F(FindOrCreate, OfANameWithANulHasNoMutex)
     EXPECT_TRUE(database.getObjectData(name, &m_object, 8, &m_sync, m_created));
     EXPECT_TRUE(m_created);
     EXPECT_EQ(m_sync, nullptr);
-    EXPECT_EQ(warmboard::area().substr(0, 16), "AB" + std::string(14, '\0'));
+    EXPECT_EQ(area().substr(0, 16), "AB" + std::string(14, '\0'));
 }
 
 TEST_F(SyncPointer, IsTheSlotOfTheBlock)
@@ -109,21 +95,21 @@ TEST_F(SyncPointer, IsTheSlotOfTheBlock)
     use(database, 32);
     const auto* first = reinterpret_cast<const char*>(database.getObjectSyncPointer("0"));
     ASSERT_NE(first, nullptr);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(synced("0", 1)));
+    EXPECT_THAT(takeLines(), ElementsAre(synced("0", 1)));
     for (int i = 0; i < 32; ++i) {
         const std::string name = std::to_string(i);
         const auto* slot = reinterpret_cast<const char*>(database.getObjectSyncPointer(name));
         EXPECT_EQ(slot - first, static_cast<std::ptrdiff_t>(sizeof(pthread_mutex_t)) * i);
     }
-    recordingtrace::takeLines();
+    takeLines();
     EXPECT_EQ(database.getObjectSyncPointer("32"), nullptr);
-    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    EXPECT_THAT(takeLines(), IsEmpty());
     EXPECT_THAT(systemcalls::take(), IsEmpty()) << "the caller holds the semaphore";
 }
 
 TEST_F(SyncPointer, StopsAtTheFirstFreeBlock)
 {
-    WarmDatabase& database = open(warmboard::areaWith({{0, "FIRST"}, {2, "BEHIND"}}));
+    WarmDatabase& database = open(areaWith({{0, "FIRST"}, {2, "BEHIND"}}));
     EXPECT_EQ(database.getObjectSyncPointer("BEHIND"), nullptr);
     EXPECT_EQ(database.getObjectSyncPointer(""), nullptr);
 }
@@ -149,12 +135,12 @@ TEST_F(CInterface, CreatesAndRetrieves)
     void* again = nullptr;
     EXPECT_EQ(WarmDatabase_retrieveObject("A", &again, 9), 0);
     EXPECT_EQ(again, m_object);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(created("A", 1, 8), retrieved("A", 1, 9)));
+    EXPECT_THAT(takeLines(), ElementsAre(created("A", 1, 8), retrieved("A", 1, 9)));
     EXPECT_THAT(systemcalls::take(), ElementsAre("sem_wait", "sem_post", "sem_wait", "sem_post",
                                                  "sem_wait", "sem_post"));
     EXPECT_EQ(WarmDatabase_createObject("A", &m_object, 1009), -1);
     EXPECT_EQ(m_object, nullptr);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLarge(1009)));
+    EXPECT_THAT(takeLines(), ElementsAre(tooLarge(1009)));
 }
 
 TEST_F(CInterface, FindsOrCreates)
@@ -178,7 +164,7 @@ TEST_F(CInterface, WritesCreatedButNotSyncOnFailure)
     EXPECT_EQ(m_object, nullptr);
     EXPECT_EQ(sync, this);
     EXPECT_FALSE(m_created);
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(tooLarge(1009), tooLarge(1009)));
+    EXPECT_THAT(takeLines(), ElementsAre(tooLarge(1009), tooLarge(1009)));
 }
 
 TEST_F(CInterface, GivesANullMutexForTheEmptyName)

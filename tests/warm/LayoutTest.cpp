@@ -1,5 +1,6 @@
 #include "Files.h"
 #include "RecordingTrace.h"
+#include "SlotObject.h"
 #include "WarmBoard.h"
 #include "WarmDatabase.h"
 #include "WarmSlot.h"
@@ -17,18 +18,6 @@ namespace
 
 using os::bsp::WarmSlot;
 using os::bsp::dtcm::WarmDatabase;
-
-/** What follows the name in the block of the slot id. */
-struct SlotObject
-{
-    std::int32_t slotId;
-    pthread_mutex_t mutex;
-};
-
-std::string bytes(const void* object, std::size_t size)
-{
-    return {static_cast<const char*>(object), size};
-}
 
 #if defined(__arm__)
 TEST(Layout, OfTheTarget)
@@ -63,7 +52,7 @@ TEST(Layout, OfTheSlotId)
     const std::string area = warmboard::area();
     EXPECT_EQ(area.substr(0, 16), "SLOT" + std::string(12, '\0'));
     const std::int32_t id = 0x01020304;
-    EXPECT_EQ(area.substr(16, 4), bytes(&id, 4));
+    EXPECT_EQ(area.substr(16, 4), testsupport::bytesOf(id));
 
     pthread_mutexattr_t attributes;
     ::pthread_mutexattr_init(&attributes);
@@ -71,7 +60,7 @@ TEST(Layout, OfTheSlotId)
     pthread_mutex_t mutex = {};
     ::pthread_mutex_init(&mutex, &attributes);
     EXPECT_EQ(area.substr(16 + offsetof(SlotObject, mutex), sizeof(mutex)),
-              bytes(&mutex, sizeof(mutex)));
+              testsupport::bytesOf(mutex));
     EXPECT_EQ(area.substr(16 + sizeof(SlotObject)),
               std::string(32768 - 16 - sizeof(SlotObject), '\0'));
     ::pthread_mutexattr_destroy(&attributes);

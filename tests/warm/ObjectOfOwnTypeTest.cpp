@@ -33,13 +33,7 @@ WarmObject<Alarms>* obtainAlarms()
 /** Messages of the object's own channel. */
 std::vector<std::string> alarmLines()
 {
-    std::vector<std::string> lines;
-    for (const std::string& line : recordingtrace::takeLines()) {
-        if (line.rfind("test.alarms", 0) == 0) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
+    return recordingtrace::takeLinesOf("test.alarms");
 }
 
 const std::string retrieved =
@@ -80,12 +74,8 @@ TEST(ObjectOfOwnType, IsOneForAllWhoObtainIt)
 
 TEST(ObjectOfOwnType, IsNotThereWhenTheStoreIsFull)
 {
-    std::vector<std::pair<std::size_t, std::string>> names;
-    for (std::size_t i = 0; i < 32; ++i) {
-        names.emplace_back(i, std::to_string(i));
-    }
     warmboard::useNxu4(warmboard::Warm);
-    warmboard::fillArea(warmboard::areaWith(names));
+    warmboard::fillArea(warmboard::fullArea());
     EXPECT_EQ(obtainAlarms(), nullptr);
     EXPECT_THAT(recordingtrace::takeLines(1),
                 ElementsAre("Bsp.WarmDatabase 1 createObject(): Error: DTCM is out of space.",

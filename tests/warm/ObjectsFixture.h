@@ -12,6 +12,8 @@
 namespace objectstest
 {
 
+using recordingtrace::takeLines;
+
 inline std::string created(const std::string& name, int block, unsigned int size)
 {
     return areatest::prefix + "5 createObject(): Created object " + name + " in block " +
@@ -75,6 +77,28 @@ protected:
         systemcalls::take();
     }
 
+    /** Asks with results that a failure must clear. */
+    void expectNothing(os::bsp::dtcm::WarmDatabase& database, const std::string& name,
+                       unsigned int size)
+    {
+        m_object = &database;
+        m_sync = reinterpret_cast<std::mutex*>(&m_object);
+        m_created = true;
+        EXPECT_FALSE(database.getObjectData(name, &m_object, size, &m_sync, m_created));
+        EXPECT_EQ(m_object, nullptr);
+        EXPECT_EQ(m_sync, nullptr);
+        EXPECT_FALSE(m_created);
+    }
+
+    /** Notes the semaphore's value at each message. */
+    void watchSemaphore()
+    {
+        recordingtrace::setObserver([this](const recordingtrace::Message& /*message*/) {
+            m_values.push_back(warmcalls::semaphoreValue());
+        });
+    }
+
+    std::vector<int> m_values;
     void* m_object = nullptr;
     std::mutex* m_sync = nullptr;
     bool m_created = false;

@@ -23,9 +23,7 @@ constexpr int Storms = AreSlow ? 1 : 3;
 /** Runs the program in C on a board. */
 Outcome read(const Board& board, const std::string& name)
 {
-    Program program{};
-    program.path = BSP_TEST_WARM_READER;
-    program.arguments = {name};
+    Program program = programAt(BSP_TEST_WARM_READER, {name});
     program.environment = board;
     return program.run();
 }

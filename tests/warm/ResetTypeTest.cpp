@@ -19,13 +19,14 @@ using os::bsp::getResetType;
 using os::bsp::ResetType;
 using os::bsp::resetTypeToString;
 using namespace testing;
+using namespace warmboard;
 
 class Register : public TestWithParam<std::uint32_t>
 {};
 
 TEST_P(Register, IsTheAnswerAsItStandsThere)
 {
-    warmboard::useNxu4(GetParam());
+    useNxu4(GetParam());
     EXPECT_EQ(static_cast<std::uint32_t>(getResetType()), GetParam());
     EXPECT_EQ(fakedevices::control().name, "top.sys_ctrl0");
     EXPECT_EQ(fakedevices::control().offset, 0U);
@@ -37,7 +38,7 @@ TEST_P(Register, IsTheAnswerAsItStandsThere)
 
 TEST_P(Register, IsTheAnswerToCAsWell)
 {
-    warmboard::useNxu4(GetParam());
+    useNxu4(GetParam());
     EXPECT_EQ(static_cast<std::uint32_t>(Bsp_getResetType()), GetParam());
 }
 
@@ -49,7 +50,7 @@ class KnownCause : public TestWithParam<std::uint32_t>
 
 TEST_P(KnownCause, IsReadOnce)
 {
-    warmboard::useNxu4(GetParam());
+    useNxu4(GetParam());
     const ResetType first = getResetType();
     fakedevices::control().word = 2 - GetParam();
     EXPECT_EQ(getResetType(), first);
@@ -61,13 +62,13 @@ INSTANTIATE_TEST_SUITE_P(Causes, KnownCause, Values(0U, 1U, 2U));
 
 TEST(UnknownCause, IsReadAgainUntilItIsKnown)
 {
-    warmboard::useNxu4(warmboard::Unknown);
+    useNxu4(Unknown);
     EXPECT_EQ(getResetType(), ResetType::Unknown);
     EXPECT_EQ(getResetType(), ResetType::Unknown);
     EXPECT_EQ(fakedevices::control().reads, 2);
-    fakedevices::control().word = warmboard::Watchdog;
+    fakedevices::control().word = Watchdog;
     EXPECT_EQ(getResetType(), ResetType::Watchdog);
-    fakedevices::control().word = warmboard::Unknown;
+    fakedevices::control().word = Unknown;
     EXPECT_EQ(getResetType(), ResetType::Watchdog);
     EXPECT_EQ(fakedevices::control().reads, 3);
     EXPECT_EQ(fakedevices::control().destroyed, 3);
@@ -75,7 +76,7 @@ TEST(UnknownCause, IsReadAgainUntilItIsKnown)
 
 TEST(UnknownCause, ForAMissingDevice)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fakedevices::control().kind = fakedevices::Control::Missing;
     EXPECT_EQ(getResetType(), ResetType::Unknown);
     EXPECT_THAT(recordingtrace::takeLines(5), IsEmpty());
@@ -83,7 +84,7 @@ TEST(UnknownCause, ForAMissingDevice)
 
 TEST(UnknownCause, ForADeviceOfAnotherType)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fakedevices::control().kind = fakedevices::Control::OtherType;
     EXPECT_EQ(getResetType(), ResetType::Unknown);
     EXPECT_EQ(fakedevices::control().reads, 0);
@@ -94,7 +95,7 @@ TEST(UnknownCause, ForADeviceOfAnotherType)
 
 TEST(UnknownCause, ForARegisterThatCannotBeRead)
 {
-    warmboard::useNxu4(warmboard::Cold);
+    useNxu4(Cold);
     fakedevices::control().readFails = true;
     EXPECT_EQ(getResetType(), ResetType::Unknown);
     fakedevices::control().readFails = false;
@@ -103,15 +104,15 @@ TEST(UnknownCause, ForARegisterThatCannotBeRead)
 
 TEST(RegisterPlatform, DecidesWhateverTheProduct)
 {
-    warmboard::use(warmboard::Nxu4Word, warmboard::Kt4851_4Product);
-    fakedevices::control().word = warmboard::Cold;
+    use(Nxu4Word, Kt4851_4Product);
+    fakedevices::control().word = Cold;
     EXPECT_EQ(getResetType(), ResetType::Cold) << "though there is no marker";
     EXPECT_THAT(systemcalls::take(), IsEmpty()) << "the marker is not looked for";
 }
 
 TEST(Exceptions, OfTheDeviceLibraryPass)
 {
-    warmboard::useNxu4(warmboard::Warm);
+    useNxu4(Warm);
     fakedevices::control().onCreate = [] { throw std::runtime_error("no bus"); };
     EXPECT_THROW(getResetType(), std::runtime_error);
     fakedevices::control().onCreate = [] { throw 5; };
@@ -139,7 +140,7 @@ class OtherPlatform : public TestWithParam<Board>
 
 TEST_P(OtherPlatform, KnowsByProductAndMarker)
 {
-    warmboard::use(GetParam().platformWord, GetParam().productCode);
+    use(GetParam().platformWord, GetParam().productCode);
     if (GetParam().marked) {
         testsupport::writeFile("/tmp/restart_cold", "whatever it holds");
     }
@@ -159,14 +160,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Marker, IsOnlyLookedForOnKt4851_4)
 {
-    warmboard::use(warmboard::Nxu5Word, warmboard::Nxu4aProduct);
+    use(Nxu5Word, Nxu4aProduct);
     getResetType();
     EXPECT_THAT(systemcalls::take(), IsEmpty());
 }
 
 TEST(Marker, IsLookedForOnce)
 {
-    warmboard::use(warmboard::Nxu5Word, warmboard::Kt4851_4Product);
+    use(Nxu5Word, Kt4851_4Product);
     EXPECT_EQ(getResetType(), ResetType::Warm);
     testsupport::writeFile("/tmp/restart_cold", "");
     EXPECT_EQ(getResetType(), ResetType::Warm);
@@ -176,7 +177,7 @@ TEST(Marker, IsLookedForOnce)
 
 TEST(Marker, ThatCannotBeReachedCountsAsAbsent)
 {
-    warmboard::use(warmboard::Nxu5Word, warmboard::Kt4851_4Product);
+    use(Nxu5Word, Kt4851_4Product);
     testsupport::writeFile("/tmp/restart_cold", "");
     systemcalls::queue("access", {{-1, EACCES}});
     EXPECT_EQ(getResetType(), ResetType::Warm);
@@ -184,7 +185,7 @@ TEST(Marker, ThatCannotBeReachedCountsAsAbsent)
 
 TEST(Marker, ThatIsADanglingLinkCountsAsAbsent)
 {
-    warmboard::use(warmboard::Nxu5Word, warmboard::Kt4851_4Product);
+    use(Nxu5Word, Kt4851_4Product);
     ASSERT_EQ(::symlink("/tmp/nowhere", "/tmp/restart_cold"), 0);
     EXPECT_EQ(getResetType(), ResetType::Warm);
 }

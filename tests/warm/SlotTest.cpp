@@ -1,6 +1,7 @@
 #include "Bsp.h"
 #include "ManyThreads.h"
 #include "RecordingTrace.h"
+#include "SlotObject.h"
 #include "WarmBoard.h"
 #include "WarmCalls.h"
 #include "WarmDatabase.h"
@@ -10,6 +11,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <mutex>
 #include <system_error>
 
@@ -23,13 +25,6 @@ using os::bsp::WarmSlot;
 using os::bsp::dtcm::WarmDatabase;
 using namespace testing;
 
-/** The object as other programs of the board see it. */
-struct SlotObject
-{
-    std::int32_t slotId;
-    pthread_mutex_t mutex;
-};
-
 const std::string slotSize = std::to_string(sizeof(SlotObject));
 const std::string found = "bsp.networking 5 WarmSlot(): The SLOT object was successfully retrieved "
                           "from the warm database";
@@ -41,13 +36,7 @@ const std::string notThere =
 /** Messages of the slot's own channel. */
 std::vector<std::string> slotLines()
 {
-    std::vector<std::string> lines;
-    for (const std::string& line : recordingtrace::takeLines()) {
-        if (line.rfind("bsp.networking", 0) == 0) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
+    return recordingtrace::takeLinesOf("bsp.networking");
 }
 
 SlotObject& slotObject()
@@ -191,11 +180,7 @@ TEST(Slot, IsMadeInOrder)
 TEST(Slot, WithoutRoomInTheStore)
 {
     warmboard::useNxu4(warmboard::Warm);
-    std::vector<std::pair<std::size_t, std::string>> names;
-    for (std::size_t i = 0; i < 32; ++i) {
-        names.emplace_back(i, std::to_string(i));
-    }
-    warmboard::fillArea(warmboard::areaWith(names));
+    warmboard::fillArea(warmboard::fullArea());
     WarmSlot slot;
     EXPECT_THAT(
         recordingtrace::takeLines(1),
@@ -261,38 +246,35 @@ TEST(Slot, IsMadeOnceByManyThreads)
     EXPECT_EQ(opened, 1);
 }
 
-TEST(SlotException, AtTheStartDoesNotPass)
+/** A slot whose making is interrupted by what reporting it throws. */
+void expectUnmadeSlot(const std::function<void()>& throwSomething, const std::string& caught)
 {
     warmboard::useNxu4(warmboard::Cold);
     WarmDatabase::getInstance();
     recordingtrace::takeLines();
-    recordingtrace::setObserver([](const recordingtrace::Message& message) {
+    recordingtrace::setObserver([&](const recordingtrace::Message& message) {
         if (message.level == 5) {
-            throw std::runtime_error("no log");
+            throwSomething();
         }
     });
     const WarmSlot slot;
     EXPECT_THAT(recordingtrace::takeLines(),
                 ElementsAre("bsp.networking 1 WarmSlot(): Error during initialization of warm "
-                            "area: Caught exception [no log]."));
+                            "area: Caught " +
+                            caught));
     EXPECT_EQ(slot.get(), -1);
     EXPECT_EQ(warmcalls::semaphoreValue(), 1);
+    recordingtrace::setObserver(nullptr);
+}
+
+TEST(SlotException, AtTheStartDoesNotPass)
+{
+    expectUnmadeSlot([] { throw std::runtime_error("no log"); }, "exception [no log].");
 }
 
 TEST(SlotException, OfAnotherKind)
 {
-    warmboard::useNxu4(warmboard::Cold);
-    WarmDatabase::getInstance();
-    recordingtrace::takeLines();
-    recordingtrace::setObserver([](const recordingtrace::Message& message) {
-        if (message.level == 5) {
-            throw 5;
-        }
-    });
-    const WarmSlot slot;
-    EXPECT_THAT(recordingtrace::takeLines(),
-                ElementsAre("bsp.networking 1 WarmSlot(): Error during initialization of warm "
-                            "area: Caught unknown exception"));
+    expectUnmadeSlot([] { throw 5; }, "unknown exception");
 }
 
 TEST(DtcmWrappers, AreTheStoresFunctions)

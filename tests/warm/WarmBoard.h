@@ -71,6 +71,16 @@ inline std::string areaWith(const std::vector<std::pair<std::size_t, std::string
     return contents;
 }
 
+/** An area without a free block. */
+inline std::string fullArea()
+{
+    std::vector<std::pair<std::size_t, std::string>> names;
+    for (std::size_t i = 0; i < 32; ++i) {
+        names.emplace_back(i, std::to_string(i));
+    }
+    return areaWith(names);
+}
+
 inline std::string zeros()
 {
     return std::string(32768, '\0');

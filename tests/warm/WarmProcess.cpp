@@ -44,8 +44,7 @@ WarmProcess::WarmProcess(const Board& board, int inherited)
 {
     const std::array<int, 2> commands = makePipe();
     const std::array<int, 2> answers = makePipe();
-    testsupport::Program program{};
-    program.path = BSP_TEST_WARM_PROGRAM;
+    testsupport::Program program = testsupport::programAt(BSP_TEST_WARM_PROGRAM);
     program.environment = board;
     program.prepare = [&] {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);

@@ -5,8 +5,6 @@
  * It reads commands from standard input, a line each, and answers each with one line:
  *
  * open                   makes the store
- * create NAME SIZE       creates an object: "ok" or "failed"
- * retrieve NAME SIZE     finds an object: "ok" or "failed"
  * get NAME SIZE          finds or creates an object: "created", "found" or "failed"
  * write TEXT             writes to the object
  * read                   the object's text
@@ -24,9 +22,9 @@
 #include "Bsp.h"
 #include "Program.h"
 #include "RecordingTrace.h"
+#include "SlotObject.h"
 #include "WarmDatabase.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -47,19 +45,6 @@ using os::bsp::dtcm::WarmDatabase;
 void* object = nullptr;
 std::mutex* sync = nullptr;
 
-struct Request
-{
-    std::string name;
-    unsigned int size = 0;
-};
-
-Request request(std::istream& words)
-{
-    Request result;
-    words >> result.name >> result.size;
-    return result;
-}
-
 std::string outcome(bool success)
 {
     return success ? "ok" : "failed";
@@ -67,10 +52,11 @@ std::string outcome(bool success)
 
 std::string get(std::istream& words)
 {
-    const Request wanted = request(words);
+    std::string name;
+    unsigned int size = 0;
+    words >> name >> size;
     bool created = false;
-    if (!WarmDatabase::getInstance().getObjectData(wanted.name, &object, wanted.size, &sync,
-                                                   created)) {
+    if (!WarmDatabase::getInstance().getObjectData(name, &object, size, &sync, created)) {
         return "failed";
     }
     return created ? "created" : "found";
@@ -120,13 +106,6 @@ std::string setSlot(std::istream& words)
     return "ok";
 }
 
-/** The slot id's object as other programs see it. */
-struct SlotObject
-{
-    std::int32_t slotId;
-    pthread_mutex_t mutex;
-};
-
 std::string lockSlot()
 {
     void* slot = nullptr;
@@ -141,18 +120,6 @@ const std::map<std::string, std::function<std::string(std::istream&)>> commands 
      [](std::istream&) {
          WarmDatabase::getInstance();
          return outcome(true);
-     }},
-    {"create",
-     [](std::istream& words) {
-         const Request wanted = request(words);
-         return outcome(
-             WarmDatabase::getInstance().createObject(wanted.name, &object, wanted.size, true));
-     }},
-    {"retrieve",
-     [](std::istream& words) {
-         const Request wanted = request(words);
-         return outcome(
-             WarmDatabase::getInstance().retrieveObject(wanted.name, &object, wanted.size, true));
      }},
     {"get", get},
     {"write", write},
