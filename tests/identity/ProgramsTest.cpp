@@ -11,9 +11,7 @@ using testing::UnorderedElementsAre;
 
 Outcome run(std::vector<std::string> arguments)
 {
-    Program program{};
-    program.path = BSP_TEST_C_PROGRAM;
-    program.arguments = std::move(arguments);
+    Program program = programAt(BSP_TEST_C_PROGRAM, std::move(arguments));
     program.environment = {
         {"FAKE_BOARD_CODE", "0 1 2 8 0 4 255 1"}, {"FAKE_BOARD_PRODUCT_CODE", "11"},
         {"FAKE_BOARD_HW_REVISION", "3"},          {"FAKE_BOARD_FPGA_VARIANT", "TwoTdm"},
@@ -36,44 +34,38 @@ TEST(CProgram, LearnsWhatBoardItRunsOn)
 
 TEST(CProgram, ReadsTheBoardIds)
 {
-    const Outcome outcome = run({"ids"});
-    EXPECT_EQ(outcome.out, "65536 KT4752_P2\n"
-                           "65537 KT4752_P3\n"
-                           "65538 KT4752_P4\n"
-                           "65539 KT4752_P5\n"
-                           "65540 KT4752_R2_P1\n"
-                           "65541 KT4752_R2_P2\n"
-                           "65542 KT4752_XPIC\n"
-                           "0 KT4754_P1\n"
-                           "1 KT4754_P2\n"
-                           "2 KT4754_P3\n"
-                           "131072 KT4751_REV_A\n"
-                           "196608 VX4791_REV_A\n"
-                           "262144 RG4792_P2\n"
-                           "262145 RG4792_P3\n"
-                           "262146 RG4792_P4\n"
-                           "262147 RG4792_P5\n"
-                           "262148 RG4792_R2_P1\n"
-                           "262149 RG4792_R2_P2\n"
-                           "262150 RG4792_R2_P3\n");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run({"ids"}), answer("65536 KT4752_P2\n"
+                                   "65537 KT4752_P3\n"
+                                   "65538 KT4752_P4\n"
+                                   "65539 KT4752_P5\n"
+                                   "65540 KT4752_R2_P1\n"
+                                   "65541 KT4752_R2_P2\n"
+                                   "65542 KT4752_XPIC\n"
+                                   "0 KT4754_P1\n"
+                                   "1 KT4754_P2\n"
+                                   "2 KT4754_P3\n"
+                                   "131072 KT4751_REV_A\n"
+                                   "196608 VX4791_REV_A\n"
+                                   "262144 RG4792_P2\n"
+                                   "262145 RG4792_P3\n"
+                                   "262146 RG4792_P4\n"
+                                   "262147 RG4792_P5\n"
+                                   "262148 RG4792_R2_P1\n"
+                                   "262149 RG4792_R2_P2\n"
+                                   "262150 RG4792_R2_P3\n"));
 }
 
 TEST(CProgram, HasNamesForTheValues)
 {
-    const Outcome outcome = run({"names"});
-    EXPECT_EQ(outcome.out, "KT4851_4 XPIC BobCat2\n"
-                           "BCM85651 Wigeon Pci\n"
-                           "Ptp Rl5 Pt\n"
-                           "Watchdog EndOfList EndOfList\n");
-    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(run({"names"}), answer("KT4851_4 XPIC BobCat2\n"
+                                     "BCM85651 Wigeon Pci\n"
+                                     "Ptp Rl5 Pt\n"
+                                     "Watchdog EndOfList EndOfList\n"));
 }
 
 std::vector<std::string> channelsOf(const char* path)
 {
-    testsupport::Program program{};
-    program.path = path;
-    return testsupport::linesOf(program.run().out);
+    return linesOf(programAt(path).run().out);
 }
 
 TEST(StartOrder, InAProgramThatUsesOneFunction)

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <map>
+#include <set>
 
 namespace
 {
@@ -12,7 +14,7 @@ namespace
 using namespace fakeboard;
 using os::bsp::NxuHwCode;
 using recordingtrace::takeLines;
-using testing::ElementsAre;
+using namespace testing;
 
 constexpr std::size_t PlatformWord = 1;
 constexpr std::size_t ControlBackplaneWord = 2;
@@ -37,6 +39,11 @@ void setDefaultWord(std::size_t index, int value)
     variant(14).code.word[index] = value;
 }
 
+template <typename Enumeration> std::function<int()> asInt(Enumeration (*query)())
+{
+    return [query] { return static_cast<int>(query()); };
+}
+
 /** One query that decides on a word of the hardware code. */
 struct Query
 {
@@ -45,37 +52,100 @@ struct Query
     std::function<int()> ask;
     std::function<int()> askFromC;
     std::vector<std::string> entry; /**< What it writes at its beginning. */
+    std::map<int, int> known;       /**< The answers to the values that it knows. */
+    std::set<int> unknown;          /**< Some that it does not know, */
+    int answer;                     /**< the answer to all of them, */
+    const char* complaint;          /**< and what it writes then. */
+    bool quotesTheCode = false;
 };
 
-template <typename Enumeration> std::function<int()> asInt(Enumeration (*query)())
+const Query queries[] = {
+    {"getTrafFpgaType",
+     TrafficWord,
+     asInt(os::bsp::getTrafFpgaType),
+     Bsp_getTrafFpgaType,
+     {},
+     {{0, 6}, {3, 12}, {4, 14}, {5, 15}, {6, 17}, {7, 18}, {8, 19}},
+     {1, 2, 9, 255},
+     23,
+     "Not supported traffic FPGA: "},
+    {"getDspType",
+     DspWord,
+     asInt(os::bsp::getDspType),
+     Bsp_getDspType,
+     {"bsp.core 6 ENTER getDspType()"},
+     {{0, 4}, {2, 5}, {4, 6}},
+     {1, 3, 5, 255},
+     7,
+     "Unknown dspType: "},
+    {"getPlatformType",
+     PlatformWord,
+     asInt(os::bsp::getPlatformType),
+     Bsp_getPlatformType,
+     {},
+     {{0, 1}, {1, 2}},
+     {2, 255},
+     3,
+     "Unknown platformType: "},
+    {"getTrafficBackplane",
+     TrafficWord,
+     asInt(os::bsp::getTrafficBackplane),
+     Bsp_getTrafficBackplane,
+     {},
+     {{0, 1}, {3, 2}, {4, 2}, {5, 2}, {6, 2}, {7, 2}, {8, 2}},
+     {1, 2, 9, 255},
+     3,
+     "Unknown backplaneType: "},
+    {"getControlBackplane",
+     ControlBackplaneWord,
+     asInt(os::bsp::getControlBackplane),
+     Bsp_getControlBackplane,
+     {},
+     {{0, 1}, {1, 2}, {2, 3}},
+     {3, 255},
+     4,
+     "Unknown backplaneType: "},
+    {"getNumberOfRadiolinks",
+     TrafficWord,
+     os::bsp::getNumberOfRadiolinks,
+     Bsp_getNumberOfRlt,
+     {"bsp.core 6 ENTER getNumberOfRadiolinks()"},
+     {{0, 2}, {3, 2}, {4, 1}, {5, 2}, {6, 2}, {7, 1}, {8, 2}},
+     {1, 2, 9, 255},
+     2,
+     "Unknown traf type: ",
+     true},
+};
+
+/** A value of a query's word. */
+struct Case
 {
-    return [query] { return static_cast<int>(query()); };
+    const Query* query;
+    int value;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Case& each)
+    {
+        return stream << each.query->name << ' ' << each.value;
+    }
+};
+
+std::vector<Case> cases(bool areKnown)
+{
+    std::vector<Case> result;
+    for (const Query& query : queries) {
+        for (int value = 0; value < 256; ++value) {
+            if (areKnown ? query.known.count(value) == 1 : query.unknown.count(value) == 1) {
+                result.push_back({&query, value});
+            }
+        }
+    }
+    return result;
 }
 
-const Query trafFpgaType{
-    "getTrafFpgaType", TrafficWord, asInt(os::bsp::getTrafFpgaType), Bsp_getTrafFpgaType, {}};
-const Query dspType{"getDspType",
-                    DspWord,
-                    asInt(os::bsp::getDspType),
-                    Bsp_getDspType,
-                    {"bsp.core 6 ENTER getDspType()"}};
-const Query platformType{
-    "getPlatformType", PlatformWord, asInt(os::bsp::getPlatformType), Bsp_getPlatformType, {}};
-const Query trafficBackplane{"getTrafficBackplane",
-                             TrafficWord,
-                             asInt(os::bsp::getTrafficBackplane),
-                             Bsp_getTrafficBackplane,
-                             {}};
-const Query controlBackplane{"getControlBackplane",
-                             ControlBackplaneWord,
-                             asInt(os::bsp::getControlBackplane),
-                             Bsp_getControlBackplane,
-                             {}};
-const Query numberOfRadiolinks{"getNumberOfRadiolinks",
-                               TrafficWord,
-                               os::bsp::getNumberOfRadiolinks,
-                               Bsp_getNumberOfRlt,
-                               {"bsp.core 6 ENTER getNumberOfRadiolinks()"}};
+std::string nameOf(const TestParamInfo<Case>& info)
+{
+    return info.param.query->name + std::to_string(info.param.value);
+}
 
 std::vector<std::string> operator+(std::vector<std::string> lines, const std::string& line)
 {
@@ -83,153 +153,71 @@ std::vector<std::string> operator+(std::vector<std::string> lines, const std::st
     return lines;
 }
 
-struct Known
+class Word : public TestWithParam<Case>
 {
-    const Query* query;
-    int value;
-    int answer;
+protected:
+    std::string complaint(int quoted) const
+    {
+        return std::string("bsp.core 1 ") + query.name + "(): " + query.complaint +
+               std::to_string(quoted);
+    }
+    int answer() const { return query.known.at(value); }
+
+    const Query& query = *GetParam().query;
+    const int value = GetParam().value;
 };
-
-void PrintTo(const Known& known, std::ostream* stream)
-{
-    *stream << known.query->name << ' ' << known.value << " is " << known.answer;
-}
-
-class KnownWord : public testing::TestWithParam<Known>
-{};
+using KnownWord = Word;
+using UnknownWord = Word;
 
 TEST_P(KnownWord, HasItsAnswer)
 {
-    const Query& query = *GetParam().query;
-    setWord(query.word, GetParam().value);
-    EXPECT_EQ(query.ask(), GetParam().answer);
+    setWord(query.word, value);
+    EXPECT_EQ(query.ask(), answer());
     EXPECT_EQ(takeLines(), query.entry);
-    EXPECT_EQ(query.askFromC(), GetParam().answer);
+    EXPECT_EQ(query.askFromC(), answer());
     EXPECT_EQ(takeLines(), query.entry);
 }
 
 TEST_P(KnownWord, IsTakenFromTheCodeNotFromTheVariant)
 {
-    const Query& query = *GetParam().query;
-    setForeignWord(query.word, GetParam().value);
-    EXPECT_EQ(query.ask(), GetParam().answer);
+    setForeignWord(query.word, value);
+    EXPECT_EQ(query.ask(), answer());
     EXPECT_EQ(takeLines(), query.entry);
 }
 
 TEST_P(KnownWord, IsTakenFromTheDefaultWhenTheCodeCannotBeRead)
 {
-    const Query& query = *GetParam().query;
-    setDefaultWord(query.word, GetParam().value);
-    EXPECT_EQ(query.ask(), GetParam().answer);
+    setDefaultWord(query.word, value);
+    EXPECT_EQ(query.ask(), answer());
     EXPECT_EQ(takeLines(),
               query.entry + "bsp.core 1 operator()(): e2prom_data_read() failed. Returned 1");
 }
 
-INSTANTIATE_TEST_SUITE_P(TrafFpgaType, KnownWord,
-                         testing::Values(Known{&trafFpgaType, 0, 6}, Known{&trafFpgaType, 3, 12},
-                                         Known{&trafFpgaType, 4, 14}, Known{&trafFpgaType, 5, 15},
-                                         Known{&trafFpgaType, 6, 17}, Known{&trafFpgaType, 7, 18},
-                                         Known{&trafFpgaType, 8, 19}));
-INSTANTIATE_TEST_SUITE_P(DspType, KnownWord,
-                         testing::Values(Known{&dspType, 0, 4}, Known{&dspType, 2, 5},
-                                         Known{&dspType, 4, 6}));
-INSTANTIATE_TEST_SUITE_P(PlatformType, KnownWord,
-                         testing::Values(Known{&platformType, 0, 1}, Known{&platformType, 1, 2}));
-INSTANTIATE_TEST_SUITE_P(
-    TrafficBackplane, KnownWord,
-    testing::Values(Known{&trafficBackplane, 0, 1}, Known{&trafficBackplane, 3, 2},
-                    Known{&trafficBackplane, 4, 2}, Known{&trafficBackplane, 5, 2},
-                    Known{&trafficBackplane, 6, 2}, Known{&trafficBackplane, 7, 2},
-                    Known{&trafficBackplane, 8, 2}));
-INSTANTIATE_TEST_SUITE_P(ControlBackplane, KnownWord,
-                         testing::Values(Known{&controlBackplane, 0, 1},
-                                         Known{&controlBackplane, 1, 2},
-                                         Known{&controlBackplane, 2, 3}));
-INSTANTIATE_TEST_SUITE_P(
-    NumberOfRadiolinks, KnownWord,
-    testing::Values(Known{&numberOfRadiolinks, 0, 2}, Known{&numberOfRadiolinks, 3, 2},
-                    Known{&numberOfRadiolinks, 4, 1}, Known{&numberOfRadiolinks, 5, 2},
-                    Known{&numberOfRadiolinks, 6, 2}, Known{&numberOfRadiolinks, 7, 1},
-                    Known{&numberOfRadiolinks, 8, 2}));
-
-struct Unknown
-{
-    const Query* query;
-    int value;
-    int answer;
-    const char* message;
-    bool quotesTheCode = false;
-};
-
-void PrintTo(const Unknown& unknown, std::ostream* stream)
-{
-    *stream << unknown.query->name << ' ' << unknown.value;
-}
-
-class UnknownWord : public testing::TestWithParam<Unknown>
-{
-protected:
-    static std::string message(int quoted)
-    {
-        return std::string("bsp.core 1 ") + GetParam().query->name + "(): " + GetParam().message +
-               std::to_string(quoted);
-    }
-};
+INSTANTIATE_TEST_SUITE_P(Of, KnownWord, ValuesIn(cases(true)), nameOf);
 
 TEST_P(UnknownWord, IsReportedAtEveryCall)
 {
-    const Query& query = *GetParam().query;
-    setWord(query.word, GetParam().value);
-    EXPECT_EQ(query.ask(), GetParam().answer);
-    EXPECT_EQ(takeLines(), query.entry + message(GetParam().value));
-    EXPECT_EQ(query.askFromC(), GetParam().answer);
-    EXPECT_EQ(takeLines(), query.entry + message(GetParam().value));
+    setWord(query.word, value);
+    EXPECT_EQ(query.ask(), query.answer);
+    EXPECT_EQ(takeLines(), query.entry + complaint(value));
+    EXPECT_EQ(query.askFromC(), query.answer);
+    EXPECT_EQ(takeLines(), query.entry + complaint(value));
 }
 
 TEST_P(UnknownWord, IsQuotedAsTheVariantHasItWhenNoneHasTheCode)
 {
-    const Query& query = *GetParam().query;
-    setForeignWord(query.word, GetParam().value);
-    EXPECT_EQ(query.ask(), GetParam().answer);
-    if (GetParam().quotesTheCode) {
-        EXPECT_EQ(takeLines(), query.entry + message(GetParam().value));
+    setForeignWord(query.word, value);
+    EXPECT_EQ(query.ask(), query.answer);
+    if (query.quotesTheCode) {
+        EXPECT_EQ(takeLines(), query.entry + complaint(value));
     } else {
-        EXPECT_EQ(takeLines(), query.entry + InvalidVariant + message(77));
+        EXPECT_EQ(takeLines(), query.entry + InvalidVariant + complaint(77));
         query.ask();
-        EXPECT_EQ(takeLines(), query.entry + message(77));
+        EXPECT_EQ(takeLines(), query.entry + complaint(77));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    TrafFpgaType, UnknownWord,
-    testing::Values(Unknown{&trafFpgaType, 1, 23, "Not supported traffic FPGA: "},
-                    Unknown{&trafFpgaType, 2, 23, "Not supported traffic FPGA: "},
-                    Unknown{&trafFpgaType, 9, 23, "Not supported traffic FPGA: "},
-                    Unknown{&trafFpgaType, 255, 23, "Not supported traffic FPGA: "}));
-INSTANTIATE_TEST_SUITE_P(DspType, UnknownWord,
-                         testing::Values(Unknown{&dspType, 1, 7, "Unknown dspType: "},
-                                         Unknown{&dspType, 3, 7, "Unknown dspType: "},
-                                         Unknown{&dspType, 5, 7, "Unknown dspType: "},
-                                         Unknown{&dspType, 255, 7, "Unknown dspType: "}));
-INSTANTIATE_TEST_SUITE_P(PlatformType, UnknownWord,
-                         testing::Values(Unknown{&platformType, 2, 3, "Unknown platformType: "},
-                                         Unknown{&platformType, 255, 3, "Unknown platformType: "}));
-INSTANTIATE_TEST_SUITE_P(
-    TrafficBackplane, UnknownWord,
-    testing::Values(Unknown{&trafficBackplane, 1, 3, "Unknown backplaneType: "},
-                    Unknown{&trafficBackplane, 2, 3, "Unknown backplaneType: "},
-                    Unknown{&trafficBackplane, 9, 3, "Unknown backplaneType: "},
-                    Unknown{&trafficBackplane, 255, 3, "Unknown backplaneType: "}));
-INSTANTIATE_TEST_SUITE_P(
-    ControlBackplane, UnknownWord,
-    testing::Values(Unknown{&controlBackplane, 3, 4, "Unknown backplaneType: "},
-                    Unknown{&controlBackplane, 255, 4, "Unknown backplaneType: "}));
-INSTANTIATE_TEST_SUITE_P(
-    NumberOfRadiolinks, UnknownWord,
-    testing::Values(Unknown{&numberOfRadiolinks, 1, 2, "Unknown traf type: ", true},
-                    Unknown{&numberOfRadiolinks, 2, 2, "Unknown traf type: ", true},
-                    Unknown{&numberOfRadiolinks, 9, 2, "Unknown traf type: ", true},
-                    Unknown{&numberOfRadiolinks, 255, 2, "Unknown traf type: ", true}));
+INSTANTIATE_TEST_SUITE_P(Of, UnknownWord, ValuesIn(cases(false)), nameOf);
 
 TEST(UnknownWord, MayBeNegativeInTheDefault)
 {
