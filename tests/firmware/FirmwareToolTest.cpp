@@ -2,6 +2,7 @@
 
 #include "Files.h"
 #include "FirmwareImages.h"
+#include "ManyThreads.h"
 #include "Program.h"
 #include "Sanitizers.h"
 
@@ -9,7 +10,6 @@
 
 #include <csignal>
 #include <regex>
-#include <thread>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -23,11 +23,7 @@ using namespace testsupport;
 const std::string realKernel = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
 const std::string realBootLoader = std::string(BSP_TEST_DATA_DIR) + "/u-boot-R2B.bin";
 
-void expectOutcome(const Outcome& outcome, const std::string& out, const std::string& err,
-                   int status)
-{
-    EXPECT_EQ(outcome, (Outcome{out, err, status}));
-}
+const Outcome unknown = refusal("Unknown r-state\n");
 
 class FirmwareTool : public testing::Test
 {
@@ -53,8 +49,8 @@ protected:
 
 TEST_F(FirmwareTool, AnswersFromRealImages)
 {
-    expectOutcome(kernelRState(realKernel), "R1A01\n", "", 0);
-    expectOutcome(ubootProductInfo(realBootLoader), "PN-4402/17 R2B\n", "", 0);
+    EXPECT_EQ(kernelRState(realKernel), answer("R1A01\n"));
+    EXPECT_EQ(ubootProductInfo(realBootLoader), answer("PN-4402/17 R2B\n"));
 }
 
 TEST_F(FirmwareTool, ListsTheCommands)
@@ -69,10 +65,10 @@ TEST_F(FirmwareTool, ListsTheCommands)
 
 TEST_F(FirmwareTool, TakesExactlyOneImage)
 {
+    const Outcome misuse = refusal("Error: valid argument is <image>\n");
     for (const char* command : {"getKernelRState", "getUbootProductInfo"}) {
-        expectOutcome(tool("bsp", {command}).run(), "", "Error: valid argument is <image>\n", 1);
-        expectOutcome(tool("bsp", {command, realKernel, realKernel}).run(), "",
-                      "Error: valid argument is <image>\n", 1);
+        EXPECT_EQ(tool("bsp", {command}).run(), misuse);
+        EXPECT_EQ(tool("bsp", {command, realKernel, realKernel}).run(), misuse);
     }
 }
 
@@ -81,43 +77,44 @@ TEST_F(FirmwareTool, SaysThatItDoesNotKnow)
     for (const std::string& image :
          {std::string("/no/such/image"), std::string(""), m_directory.path().string()})
     {
-        expectOutcome(kernelRState(image), "", "Unknown r-state\n", 1);
-        expectOutcome(ubootProductInfo(image), "", "Unknown r-state\n", 1);
+        EXPECT_EQ(kernelRState(image), unknown);
+        EXPECT_EQ(ubootProductInfo(image), unknown);
     }
-    expectOutcome(kernelRState(fileWith("no kernel")), "", "Unknown r-state\n", 1);
-    expectOutcome(ubootProductInfo("/proc/self/fd"), "", "Unknown r-state\n", 1);
-    expectOutcome(ubootProductInfo("/"), "", "Unknown r-state\n", 1);
+    EXPECT_EQ(kernelRState(fileWith("no kernel")), unknown);
+    EXPECT_EQ(ubootProductInfo("/proc/self/fd"), unknown);
+    EXPECT_EQ(ubootProductInfo("/"), unknown);
 }
 
-TEST_F(FirmwareTool, PrintsAnEmptyLineForAKernelWithoutAnRState)
+TEST_F(FirmwareTool, PrintsTheRStateOfAKernelOrAnEmptyLine)
 {
-    expectOutcome(kernelRState(fileWith(kernelImage("Linux version 3.10.104"))), "\n", "", 0);
-}
-
-TEST_F(FirmwareTool, PrintsAtMostSevenCharactersOfAnRState)
-{
-    expectOutcome(kernelRState(fileWith(kernelImage("Linux version 4.1.2.R12ABC01"))), "R12ABC0\n",
-                  "", 0);
+    const std::pair<std::string, std::string> cases[] = {
+        {"Linux version 3.10.104", "\n"},
+        {"Linux version 4.1.2.R12ABC01", "R12ABC0\n"}, // at most seven characters
+    };
+    for (const auto& [kernel, out] : cases) {
+        EXPECT_EQ(kernelRState(fileWith(kernelImage(kernel))), answer(out)) << kernel;
+    }
 }
 
 TEST_F(FirmwareTool, PrintsWhatABootLoaderDoesNotSayAsNotFound)
 {
-    expectOutcome(ubootProductInfo(fileWith("")), "Not found Not found\n", "", 0);
-    expectOutcome(ubootProductInfo(fileWith("R-state: R1")), "Not found R1\n", "", 0);
-    expectOutcome(ubootProductInfo(fileWith("Product number: " + std::string(200, 'p'))),
-                  std::string(79, 'p') + " Not found\n", "", 0);
-    expectOutcome(ubootProductInfo(fileWith("R-state: " + std::string(200, 'r'))),
-                  "Not found " + std::string(79, 'r') + "\n", "", 0);
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "Not found Not found\n"},
+        {"R-state: R1", "Not found R1\n"},
+        {"Product number: " + std::string(200, 'p'), std::string(79, 'p') + " Not found\n"},
+        {"R-state: " + std::string(200, 'r'), "Not found " + std::string(79, 'r') + "\n"},
+    };
+    for (const auto& [bootLoader, out] : cases) {
+        EXPECT_EQ(ubootProductInfo(fileWith(bootLoader)), answer(out)) << bootLoader;
+    }
 }
 
 TEST_F(FirmwareTool, AnswersWithStandardInputClosed)
 {
-    Program kernel = tool("bsp", {"getKernelRState", realKernel});
-    kernel.prepare = [] { ::close(STDIN_FILENO); };
-    expectOutcome(kernel.run(), "R1A01\n", "", 0);
-    Program bootLoader = tool("bsp", {"getUbootProductInfo", realBootLoader});
-    bootLoader.prepare = [] { ::close(STDIN_FILENO); };
-    expectOutcome(bootLoader.run(), "PN-4402/17 R2B\n", "", 0);
+    Program program = tool("bsp");
+    program.prepare = [] { ::close(STDIN_FILENO); };
+    expectGolden(program, {{{"getKernelRState", realKernel}, answer("R1A01\n")},
+                           {{"getUbootProductInfo", realBootLoader}, answer("PN-4402/17 R2B\n")}});
 }
 
 /** Limits the size of the files that this process writes. */
@@ -132,12 +129,12 @@ TEST_F(FirmwareTool, DoesNotKnowWhatItCannotInflateWhole)
 {
     // The banner is in the part that can be written.
     const std::string image = fileWith(kernelImage("Linux version 1.2.3.R1A" + noise(100000)));
-    expectOutcome(kernelRState(image), "R1A\n", "", 0);
+    EXPECT_EQ(kernelRState(image), answer("R1A\n"));
     Program limited = tool("bsp", {"getKernelRState", image});
     limited.prepare = [] { limitFileSize(8192); };
-    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+    EXPECT_EQ(limited.run(), unknown);
     limited.prepare = [] { limitFileSize(0); };
-    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+    EXPECT_EQ(limited.run(), unknown);
     EXPECT_FALSE(std::filesystem::exists("/dev/shm/zImage_tmp"));
 }
 
@@ -154,31 +151,24 @@ TEST_F(FirmwareTool, DoesNotKnowAnImageLargerThanItsMemory)
         const rlimit limit{256U << 20U, 256U << 20U};
         ::setrlimit(RLIMIT_AS, &limit);
     };
-    expectOutcome(limited.run(), "", "Unknown r-state\n", 1);
+    EXPECT_EQ(limited.run(), unknown);
 
     // A kernel needs little memory besides the mapping of what it inflates to.
     limited.arguments = {"getKernelRState", realKernel};
-    expectOutcome(limited.run(), "R1A01\n", "", 0);
+    EXPECT_EQ(limited.run(), answer("R1A01\n"));
 }
 
 TEST_F(FirmwareTool, AnswersManyCallersAtOnce)
 {
-    constexpr int Callers = 6;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < Callers; ++i) {
-        threads.emplace_back([this, i] {
-            const std::string rstate = "R" + std::to_string(i) + "A";
-            const std::string image = m_directory.file(rstate);
-            writeFile(image, kernelImage(noise(static_cast<std::size_t>(i) * 50000) +
-                                         "Linux version 2.6.34." + rstate));
-            for (int round = 0; round < 20; ++round) {
-                expectOutcome(kernelRState(image), rstate + '\n', "", 0);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    constexpr std::size_t Callers = 6;
+    inManyThreads(Callers, [this](std::size_t number) {
+        const std::string rstate = "R" + std::to_string(number) + "A";
+        const std::string image = m_directory.file(rstate);
+        writeFile(image, kernelImage(noise(number * 50000) + "Linux version 2.6.34." + rstate));
+        for (int round = 0; round < 20; ++round) {
+            EXPECT_EQ(kernelRState(image), answer(rstate + '\n'));
+        }
+    });
 }
 
 /** The messages on standard error as "CHANNEL LEVEL TEXT"; numbers of descriptors as "N". */

@@ -2,6 +2,8 @@
 
 #include "FirmwareImages.h"
 #include "KernelQuery.h"
+#include "ManyThreads.h"
+#include "Program.h"
 #include "RecordingTrace.h"
 
 #include <gtest/gtest.h>
@@ -42,18 +44,16 @@ protected:
 
     bool asksRight(int i) const { return askFile(image(i)) == found(rstate(i)); }
 
-    /** A process that asks for one image; its exit status is the number of wrong answers. */
+    /** A process that asks for one image; it ends with 0 after right answers alone. */
     pid_t startCaller(int i, int rounds) const
     {
-        const pid_t process = ::fork();
-        if (process == 0) {
-            int wrong = 0;
+        return testsupport::startCopy([=] {
+            int right = 0;
             for (int round = 0; round < rounds; ++round) {
-                wrong += asksRight(i) ? 0 : 1;
+                right += asksRight(i) ? 1 : 0;
             }
-            ::_exit(std::min(wrong, 100));
-        }
-        return process;
+            return right == rounds;
+        });
     }
 
 private:
@@ -63,17 +63,11 @@ private:
 TEST_F(KernelConcurrency, ThreadsWithDifferentImagesAllGetTheirAnswer)
 {
     std::atomic<int> right{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < Callers; ++i) {
-        threads.emplace_back([this, i, &right] {
-            for (int round = 0; round < 40; ++round) {
-                right += asksRight(i) ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    testsupport::inManyThreads(Callers, [this, &right](std::size_t number) {
+        for (int round = 0; round < 40; ++round) {
+            right += asksRight(static_cast<int>(number)) ? 1 : 0;
+        }
+    });
     EXPECT_EQ(right, Callers * 40);
 }
 
@@ -84,9 +78,7 @@ TEST_F(KernelConcurrency, ProcessesWithDifferentImagesAllGetTheirAnswer)
         processes.push_back(startCaller(i, 100));
     }
     for (const pid_t process : processes) {
-        int status = -1;
-        ASSERT_EQ(::waitpid(process, &status, 0), process);
-        EXPECT_EQ(status, 0);
+        EXPECT_EQ(testsupport::waitFor(process), 0);
     }
 }
 
@@ -120,12 +112,7 @@ TEST_F(KernelConcurrency, ProcessForkedWhileAskingBlocksNobody)
     std::vector<pid_t> children;
     for (int i = 0; i < 20; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::pause();
-            ::_exit(0);
-        }
-        children.push_back(child);
+        children.push_back(testsupport::startCopy([] { return ::pause() == 0; }));
     }
     EXPECT_TRUE(asksRight(1));
     done = true;

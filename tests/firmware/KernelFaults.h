@@ -55,8 +55,18 @@ protected:
     /** Asks and expects the answer and all messages of how it went. */
     void expectAnswer(const Answer& answer, const std::vector<std::string>& course) const
     {
-        EXPECT_EQ(askAgain(), answer);
-        EXPECT_EQ(recordingtrace::takeLines(Course), course);
+        expectCourse(askAgain(), answer, course);
+    }
+
+    /** Asks and expects that there is no temporary file to use. */
+    void expectNoTemporaryFile() const { expectAnswer(failed(), {headerAt1000, noTemporaryFile}); }
+
+    /** Makes the file of a second image, which is asked for at the same time. */
+    std::string makeOtherImage() const
+    {
+        testsupport::writeFile(m_directory.file("other"),
+                               kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
+        return m_directory.file("other");
     }
 
     const TemporaryDirectory m_directory;

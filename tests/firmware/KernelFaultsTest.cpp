@@ -93,7 +93,7 @@ TEST_F(KernelFaults, AnImageThatShrinksEndsTooEarly)
         }
         return real().read(fd, buffer, size);
     };
-    expectAnswer(failed(), {headerAt1000, "bsp.core 4 Bsp_inflateArchive(): End-of-file reached"});
+    expectAnswer(failed(), {headerAt1000, endOfFile});
 }
 
 TEST_F(KernelFaults, AnImageThatGrowsIsReadToTheEndOfItsArchive)
@@ -129,11 +129,9 @@ TEST_F(KernelFaults, AFailingSeekIsSurvived)
         EXPECT_EQ(real().fseek(file, offset, whence), 0);
         return fail(EFBIG);
     };
-    EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(
-        takeLines(Course),
-        ElementsAre(headerAt1000, inflated,
-                    "bsp.core 1 Bsp_findLinuxVersion(): fseek failed with errno = File too large"));
+    expectAnswer(found("R1A01"),
+                 {headerAt1000, inflated,
+                  "bsp.core 1 Bsp_findLinuxVersion(): fseek failed with errno = File too large"});
 }
 
 TEST_F(KernelFaults, WithoutASizeThereIsNothingToSearch)
@@ -146,8 +144,7 @@ TEST_F(KernelFaults, WithoutASizeThereIsNothingToSearch)
     expectAnswer(failed(), {headerAt1000, inflated,
                             "bsp.core 1 Bsp_findLinuxVersion(): fstat failed with errno = "
                             "Input/output error",
-                            "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image",
-                            "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found"});
+                            noMapping, noVersion});
 }
 
 TEST_F(KernelFaults, WithoutAMappingThereIsNothingToSearch)
@@ -160,9 +157,7 @@ TEST_F(KernelFaults, WithoutAMappingThereIsNothingToSearch)
         errno = ENOMEM;
         return MAP_FAILED;
     };
-    expectAnswer(failed(), {headerAt1000, inflated,
-                            "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image",
-                            "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found"});
+    expectAnswer(failed(), {headerAt1000, inflated, noMapping, noVersion});
 }
 
 TEST_F(KernelFaults, NothingBehindTheMappingIsRead)

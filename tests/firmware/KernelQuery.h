@@ -9,11 +9,15 @@
 #include "Bsp.h"
 #include "Files.h"
 #include "HvxTrace.h"
+#include "RecordingTrace.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <filesystem>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace firmware
 {
@@ -30,6 +34,17 @@ inline const std::string inflated =
     "bsp.core 5 Bsp_getKernelRState(): Bsp_inflateArchive() successful";
 inline const std::string noTemporaryFile =
     "bsp.core 1 Bsp_getKernelRState(): Could not open tmp file: /dev/shm/zImage_tmp";
+
+inline const std::string noVersion = "bsp.core 1 Bsp_findLinuxVersion(): No Linux version found";
+inline const std::string noMapping = "bsp.core 1 Bsp_findLinuxVersion(): unable to mmap temp image";
+inline const std::string noHeader = "bsp.core 1 Bsp_findArchive(): Couldn't find ZLIB header";
+inline const std::string endOfFile = "bsp.core 4 Bsp_inflateArchive(): End-of-file reached";
+inline const std::string notWritten = "bsp.core 1 Bsp_inflateArchive(): fwrite() failed";
+
+inline std::string inflateError(int code)
+{
+    return "bsp.core 1 Bsp_inflateArchive(): inflate() failed with error " + std::to_string(code);
+}
 
 inline std::string headerAt(std::size_t position)
 {
@@ -83,6 +98,14 @@ inline Answer ask(const std::string& image)
     const testsupport::TemporaryDirectory directory;
     testsupport::writeFile(directory.file("zImage"), image);
     return askFile(directory.file("zImage"));
+}
+
+/** Expects an answer, and what the call said up to there. */
+inline void expectCourse(const Answer& actual, const Answer& expected,
+                         const std::vector<std::string>& course)
+{
+    EXPECT_EQ(actual, expected) << testing::PrintToString(course);
+    EXPECT_EQ(recordingtrace::takeLines(Course), course);
 }
 
 inline bool temporaryImageExists()

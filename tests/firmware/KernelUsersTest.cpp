@@ -35,19 +35,16 @@ constexpr uid_t Another = 65533;
 /** Does something in a process of that user's. */
 pid_t start(uid_t user, const std::function<bool()>& action)
 {
-    const pid_t process = ::fork();
-    if (process == 0) {
+    return startCopy([=] {
         const bool isDone = become(user) && action() && !testing::Test::HasFailure();
         std::cout.flush();
-        ::_exit(isDone ? 0 : 1);
-    }
-    return process;
+        return isDone;
+    });
 }
 
 bool hasDone(pid_t process)
 {
-    int status = -1;
-    return ::waitpid(process, &status, 0) == process && status == 0;
+    return waitFor(process) == 0;
 }
 
 bool does(uid_t user, const std::function<bool()>& action)
@@ -105,7 +102,6 @@ protected:
     KernelUsers()
     {
         std::filesystem::permissions(m_directory.path(), std::filesystem::perms(0755));
-        writeFile(m_other, kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
     }
     void SetUp() override
     {
@@ -125,11 +121,11 @@ protected:
     /** Fails and leaves the file that is there alone. */
     bool isRefused() const
     {
-        expectAnswer(failed(), {headerAt1000, noTemporaryFile});
+        expectNoTemporaryFile();
         return temporaryImageExists();
     }
 
-    const std::string m_other = m_directory.file("other");
+    const std::string m_other = makeOtherImage();
 };
 
 TEST_F(KernelUsers, AllGetTheirAnswerAtTheSameTime)
@@ -184,7 +180,7 @@ TEST_F(KernelUsers, RootReplacesWhatAnotherKeepsLocked)
     const LockedFile his(Nobody);
     const FakeTime time;
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    time.expectTenSeconds();
     EXPECT_EQ(his.contents(), planted);
 }
 

@@ -99,8 +99,8 @@ TEST_F(KernelWaiting, EndsAfterTenSeconds)
     forbidRemoving();
     const SomebodysFile his;
     his.lock();
-    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
-    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    expectNoTemporaryFile();
+    time.expectTenSeconds();
     // Often enough to notice the end at once, seldom enough to leave the processor to others.
     EXPECT_THAT(time.sleeps(), AllOf(Ge(1000), Le(10000)));
     expectItIsStillThere(his);
@@ -113,7 +113,7 @@ TEST_F(KernelWaiting, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
     const SomebodysFile his;
     his.lock();
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    time.expectTenSeconds();
     EXPECT_EQ(his.contents(), planted);
 }
 
@@ -124,7 +124,7 @@ TEST_F(KernelWaiting, EndsAfterTenSecondsForOnesOwnFileToo)
     const SomebodysFile own;
     own.lock();
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    time.expectTenSeconds();
     EXPECT_EQ(own.contents(), planted);
 }
 
@@ -139,7 +139,7 @@ TEST_F(KernelWaiting, EndsHoweverOftenTheFileComesBack)
         his->lock();
         return 0;
     };
-    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
+    expectNoTemporaryFile();
     EXPECT_THAT(time.passed(), Le(milliseconds(10010)));
     expectItIsStillThere(*his);
 }
@@ -166,7 +166,7 @@ TEST_F(KernelWaiting, IsForALeaseToo)
         return hasLease ? fail(EWOULDBLOCK) : real().open(path, flags, mode);
     };
     EXPECT_EQ(askAgain(), found("R1A01"));
-    EXPECT_THAT(time.passed(), AllOf(Ge(seconds(10)), Le(milliseconds(10010))));
+    time.expectTenSeconds();
     EXPECT_EQ(his.contents(), planted);
 }
 
@@ -186,7 +186,7 @@ TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
     beAnotherUser();
     forbidRemoving();
     const SomebodysFile his;
-    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
+    expectNoTemporaryFile();
     EXPECT_THAT(time.passed(), AllOf(Ge(milliseconds(500)), Le(seconds(1))));
     expectItIsStillThere(his);
 }
@@ -270,7 +270,7 @@ TEST_F(KernelWaiting, IsNotForAnotherUsersPipe)
         EXPECT_TRUE(path != std::string(TemporaryImage) || (flags & O_CREAT) != 0);
         return real().open(path, flags, mode);
     };
-    expectAnswer(failed(), {headerAt1000, noTemporaryFile});
+    expectNoTemporaryFile();
     EXPECT_TRUE(std::filesystem::remove(TemporaryImage));
 }
 
@@ -284,12 +284,12 @@ TEST_F(KernelWaiting, EmptiesWhatOneLeftBehind)
 TEST_F(KernelWaiting, DisturbsNoneOfTheTwo)
 {
     const FakeTime time;
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
+    const std::string other = makeOtherImage();
     int reads = 0;
     hooks().read = [&](int fd, void* buffer, std::size_t size) {
         // The first call, half-way, is so slow that another one replaces its file.
         if (++reads == 4) {
-            EXPECT_EQ(askFile(m_directory.file("other")), found("R9Z"));
+            EXPECT_EQ(askFile(other), found("R9Z"));
             EXPECT_THAT(time.passed(), Ge(seconds(10)));
             writeFile(TemporaryImage, "the next caller's");
         }
@@ -302,9 +302,8 @@ TEST_F(KernelWaiting, DisturbsNoneOfTheTwo)
 
 TEST_F(KernelWaiting, IsNotForAKilledCall)
 {
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
     {
-        const StuckCaller caller(m_directory.file("other"));
+        const StuckCaller caller(makeOtherImage());
     }
     EXPECT_TRUE(temporaryImageExists());
     const FakeTime time;
@@ -315,8 +314,7 @@ TEST_F(KernelWaiting, IsNotForAKilledCall)
 
 TEST_F(KernelWaiting, EndsWhenTheOtherIsKilled)
 {
-    writeFile(m_directory.file("other"), kernelImage(noise(200000) + "Linux version 9.9.9.R9Z"));
-    StuckCaller caller(m_directory.file("other"));
+    StuckCaller caller(makeOtherImage());
     auto answer = std::async(std::launch::async, [this] { return askAgain(); });
     EXPECT_EQ(answer.wait_for(milliseconds(200)), std::future_status::timeout);
     caller.kill();

@@ -27,6 +27,8 @@ using namespace testing;
 using namespace testsupport;
 using namespace uboot;
 
+const Answer nothingFound{0, "Not found", "Not found"};
+
 std::string error(const std::string& text)
 {
     return "bsp.core 1 Bsp_getUbootProductInfo(): " + text;
@@ -156,11 +158,11 @@ TEST_F(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)
         machine->mem_unit = 100;
         return 0;
     };
-    EXPECT_EQ(ask(noise(499)), (Answer{0, "Not found", "Not found"}));
+    EXPECT_EQ(ask(noise(499)), nothingFound);
     EXPECT_EQ(ask(noise(500)), failed);
     EXPECT_THAT(takeLines(1), ElementsAre(error("Failed to allocate 501 bytes")));
     hooks().sysinfo = [](struct sysinfo*) { return fail(EFAULT); };
-    EXPECT_EQ(ask(noise(500)), (Answer{0, "Not found", "Not found"}));
+    EXPECT_EQ(ask(noise(500)), nothingFound);
 }
 
 TEST_F(UbootFaults, ReportsALackOfMemory)
