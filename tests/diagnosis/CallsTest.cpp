@@ -3,6 +3,7 @@
 #include "DiagTest.h"
 #include "Namespaces.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <regex>
 #include <set>
@@ -33,40 +34,16 @@ struct Call
 };
 
 /** Calls that change nothing, wait for nobody and take no lock, whatever their arguments are. */
-const std::set<std::string> Harmless = {"access",
-                                        "arch_prctl",
-                                        "brk",
-                                        "clock_gettime",
-                                        "close",
-                                        "exit_group",
-                                        "faccessat",
-                                        "faccessat2",
-                                        "fstat",
-                                        "fstatfs",
-                                        "getdents64",
-                                        "geteuid",
-                                        "getpid",
-                                        "getrandom",
-                                        "getrlimit",
-                                        "getuid",
-                                        "lseek",
-                                        "lstat",
-                                        "mprotect",
-                                        "mremap",
-                                        "munmap",
-                                        "newfstatat",
-                                        "pread64",
-                                        "read",
-                                        "readlink",
-                                        "rseq",
-                                        "rt_sigaction",
-                                        "stat",
-                                        "set_robust_list",
-                                        "set_tid_address",
-                                        "statfs",
-                                        "statx",
-                                        "sysinfo",
-                                        "uname"};
+const std::vector<std::string> Harmless = testsupport::wordsOf(
+    "access arch_prctl brk clock_gettime close exit_group faccessat faccessat2 fstat "
+    "fstatfs getdents64 geteuid getpid getrandom getrlimit getuid lseek lstat "
+    "mprotect mremap munmap newfstatat pread64 read readlink rseq rt_sigaction stat "
+    "set_robust_list set_tid_address statfs statx sysinfo uname");
+
+bool isHarmlessName(const std::string& name)
+{
+    return std::find(Harmless.begin(), Harmless.end(), name) != Harmless.end();
+}
 
 bool isBelow(const std::string& path, const std::string& directory)
 {
@@ -119,7 +96,7 @@ protected:
         if (call.name == "fcntl") {
             return std::regex_search(call.text, std::regex("F_(GET|SET)F[DL]|F_DUPFD_CLOEXEC"));
         }
-        return Harmless.count(call.name) != 0 || (call.name == "futex" && call.has("FUTEX_WAKE")) ||
+        return isHarmlessName(call.name) || (call.name == "futex" && call.has("FUTEX_WAKE")) ||
                (call.name == "write" && call.has("write(1, ")) ||
                (call.name == "ioctl" && call.has("TCGETS")) ||
                (call.name == "prlimit64" && call.has(", NULL, ")) ||

@@ -12,7 +12,6 @@ namespace
 
 namespace fs = std::filesystem;
 using namespace testing;
-using testsupport::Outcome;
 
 class Capsule : public DiagTest
 {
@@ -21,20 +20,21 @@ protected:
 
     std::string capture() const
     {
-        const Outcome outcome = diag({"capture", capsule()}).run();
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
-        return normal(outcome.out);
+        return normal(testsupport::outputOf(diag({"capture", capsule()})));
     }
 
     /** What it says when it makes a board "copy" of a capsule. */
     std::string create(const std::string& path) const
     {
-        const Outcome outcome =
-            tool("bsp-board", {"create", file("copy"), "--capsule", path}).run();
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
-        return normal(outcome.out);
+        return normal(
+            testsupport::outputOf(tool("bsp-board", {"create", file("copy"), "--capsule", path})));
+    }
+
+    /** What a program says on that board. */
+    std::string ask(const std::string& program, Words words) const
+    {
+        words.insert(words.begin(), {"run", file("copy"), "--", testsupport::tool(program).path});
+        return tool("bsp-board", std::move(words)).run().out;
     }
 
     /** What is on a board that programs can ask, its directory aside. */
@@ -106,14 +106,9 @@ TEST_F(Capsule, MakesABoardThatAnswersTheSame)
     EXPECT_EQ(shown("copy"), shown("b"));
     EXPECT_EQ(testsupport::readFile(file("copy/settings")),
               testsupport::readFile(boardFile("settings")));
-    const auto ask = [this](Words words) {
-        words.insert(words.begin(), {"run", file("copy"), "--"});
-        return tool("bsp-board", std::move(words)).run().out;
-    };
     if (std::string(BSP_TEST_EMULATOR).empty()) {
-        const std::string bsp = testsupport::tool("bsp").path;
-        EXPECT_EQ(ask({bsp, "getSlotId"}), "5\n");
-        EXPECT_EQ(ask({bsp, "getTrafFpgaType"}), "Gannet\n");
+        EXPECT_EQ(ask("bsp", {"getSlotId"}), "5\n");
+        EXPECT_EQ(ask("bsp", {"getTrafFpgaType"}), "Gannet\n");
     }
 }
 
@@ -127,11 +122,6 @@ TEST_F(Capsule, Of32BitsMakesABoardThatAnswersTheSame)
               "not carried over: the mutexes of the blocks, which are made anew and free\n");
     EXPECT_EQ(answersIn(shown("copy")), answersIn(document));
     if (std::string(BSP_TEST_EMULATOR).empty()) {
-        const auto ask = [this](const std::string& program, Words words) {
-            words.insert(words.begin(),
-                         {"run", file("copy"), "--", testsupport::tool(program).path});
-            return tool("bsp-board", std::move(words)).run().out;
-        };
         EXPECT_EQ(answersIn(ask("bsp-diag", {"info", "--json"})), answersIn(document));
         EXPECT_EQ(ask("bsp", {"getSlotId"}), "5\n");
         EXPECT_EQ(ask("bsp", {"getRadiolinkMode"}), "Rl5\n");
@@ -203,7 +193,9 @@ TEST_F(Capsule, HasNothingElseOfTheMachine)
     testsupport::writeFile("/dev/shm/" + secret, secret);
     testsupport::writeFile("/tmp/" + secret, secret);
     fs::create_directory("/sys/class/leds/" + secret);
-    testsupport::Program other{"/bin/sleep", {"100"}, secret, {}, "", true, false, {}};
+    testsupport::Program other = testsupport::programAt("/bin/sleep", {"100"});
+    other.name = secret;
+    other.foreign = true;
     const pid_t process = other.start();
     testsupport::Program program = diag({"capture", capsule()});
     program.environment["SECRET"] = secret;
@@ -218,9 +210,8 @@ TEST_F(Capsule, IsMadeForItsOwnerInAPlaceThatIsFree)
 {
     capture();
     EXPECT_EQ(fs::status(capsule()).permissions(), fs::perms(0600));
-    const Outcome outcome = diag({"capture", capsule()}).run();
-    EXPECT_EQ(normal(outcome.err), "bsp-diag: cannot make '" + capsule() + "': File exists\n");
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(diag({"capture", capsule()}).run(),
+              testsupport::refusal("bsp-diag: cannot make '" + capsule() + "': File exists\n"));
 }
 
 } // namespace

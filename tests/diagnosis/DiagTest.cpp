@@ -20,7 +20,7 @@ StoreUser::StoreUser(const std::string& board, const std::vector<std::string>& w
     if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
     }
-    testsupport::Program program{BSP_TEST_STORE_USER, words, {}, {}, "", false, false, {}};
+    testsupport::Program program = testsupport::programAt(BSP_TEST_STORE_USER, words);
     program.environment = {{"BSP_BOARD_DIR", board}, {"QELTRACE_OUTPUT", "none"}};
     program.prepare = [&] {
         ::umask(0);

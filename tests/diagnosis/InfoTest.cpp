@@ -5,7 +5,6 @@ namespace
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-using testsupport::Outcome;
 
 class Info : public DiagTest
 {
@@ -13,10 +12,7 @@ protected:
     std::string info(Words words = {}) const
     {
         words.insert(words.begin(), "info");
-        const Outcome outcome = diag(std::move(words)).run();
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
-        return normal(outcome.out);
+        return normal(testsupport::outputOf(diag(std::move(words))));
     }
 };
 
@@ -110,9 +106,8 @@ TEST_F(Info, IsTheSameForProgramsFromTheBoardAndFromTheDesk)
     const std::string document = info({"--json"});
     EXPECT_THAT(document, HasSubstr("\"schema\": \"bsp-diag/1\",\n  \"kind\": \"board\""));
     EXPECT_THAT(document, HasSubstr("\"slotId\": 9"));
-    const Outcome shown = tool("bsp-board", {"show", "--json", board()}).run();
-    EXPECT_EQ(shown.err, "");
-    EXPECT_EQ(normal(shown.out), document);
+    EXPECT_EQ(normal(testsupport::outputOf(tool("bsp-board", {"show", "--json", board()}))),
+              document);
 }
 
 TEST_F(Info, TellsItsVersion)
@@ -122,9 +117,8 @@ TEST_F(Info, TellsItsVersion)
 
 TEST_F(Info, RefusesWordsThatMakeNoSense)
 {
-    const Outcome outcome = diag({}).run();
-    EXPECT_EQ(outcome.err, "bsp-diag: a command is missing\nTry 'bsp-diag --help'.\n");
-    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(diag({}).run(),
+              testsupport::refusal("bsp-diag: a command is missing\nTry 'bsp-diag --help'.\n", 2));
 }
 
 } // namespace

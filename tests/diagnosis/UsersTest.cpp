@@ -106,12 +106,12 @@ TEST_F(UsersOfNames, AreNotTakenForNobodyWhereNoneCanBeSeen)
     if (found.status == CannotMount) {
         GTEST_SKIP() << testsupport::NoNamespaces << "cannot mount a /proc";
     }
-    EXPECT_EQ(found.out, "not looked at: who uses the shared names: there is nothing in /proc\n"
-                         "nothing found\n");
-    EXPECT_EQ(found.status, 3);
-    const testsupport::Outcome kept = withoutProc({"repair", "--yes", "DtcmSync"});
-    EXPECT_EQ(kept.out, "DtcmSync: kept, as it cannot be seen who uses it\n");
-    EXPECT_EQ(kept.status, 1);
+    EXPECT_EQ(found, (testsupport::Outcome{
+                         "not looked at: who uses the shared names: there is nothing in /proc\n"
+                         "nothing found\n",
+                         "", 3}));
+    EXPECT_EQ(withoutProc({"repair", "--yes", "DtcmSync"}),
+              (testsupport::Outcome{"DtcmSync: kept, as it cannot be seen who uses it\n", "", 1}));
 }
 
 TEST_F(UsersOfNames, AreUsersWhenTheirFirstThreadHasEnded)
