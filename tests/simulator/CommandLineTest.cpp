@@ -7,7 +7,6 @@
 namespace
 {
 
-using testsupport::Outcome;
 namespace fs = std::filesystem;
 using namespace testing;
 
@@ -70,10 +69,10 @@ TEST_F(Usage, NamesAWorkingDirectoryThatIsGone)
     testsupport::Program program = boardTool({"run", file("b"), "true"});
     program.directory = file("gone");
     program.prepare = [this] { std::filesystem::remove(file("gone")); };
-    const Outcome outcome = program.run();
-    EXPECT_EQ(outcome.err,
-              "bsp-board: cannot find the working directory: No such file or directory\n");
-    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(
+        program.run(),
+        testsupport::refusal(
+            "bsp-board: cannot find the working directory: No such file or directory\n", 125));
 }
 
 TEST_F(Usage, MakesNoStandardStreamOfABoardsFile)
@@ -103,11 +102,9 @@ TEST_F(Usage, WantsADirectory)
 TEST_F(Usage, ListsTheCommandsOnRequest)
 {
     for (const char* option : {"--help", "-h"}) {
-        const Outcome outcome = run({option});
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
+        const std::string help = testsupport::outputOf(boardTool({option}));
         for (const std::string command : {"variants", "create", "show", "restart", "set", "run"}) {
-            EXPECT_THAT(outcome.out, HasSubstr("\n  " + command + ' '));
+            EXPECT_THAT(help, HasSubstr("\n  " + command + ' '));
         }
     }
 }
@@ -123,12 +120,13 @@ TEST_F(Usage, EachCommandExplainsItself)
         {"run", "[OPTIONS] DIR COMMAND"},
     };
     for (const auto& [command, usage] : usages) {
-        const Outcome outcome = run({command, "--help"});
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
-        EXPECT_THAT(outcome.out, HasSubstr("\nUsage: bsp-board " + command + ' ' + usage + '\n'));
+        EXPECT_THAT(testsupport::outputOf(boardTool({command, "--help"})),
+                    HasSubstr("\nUsage: bsp-board " + command + ' ' + usage + '\n'));
     }
 }
+
+const testsupport::Outcome NoOutput =
+    testsupport::refusal("bsp-board: cannot write to standard output\n");
 
 TEST_F(Usage, FailsWhenTheAnswerCannotBeWritten)
 {
@@ -138,9 +136,7 @@ TEST_F(Usage, FailsWhenTheAnswerCannotBeWritten)
             std::perror("/dev/full");
         }
     };
-    const Outcome outcome = program.run();
-    EXPECT_EQ(outcome.err, "bsp-board: cannot write to standard output\n");
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(program.run(), NoOutput);
 }
 
 TEST_F(Usage, FailsWhenThereIsNowhereToWriteTheAnswer)
@@ -152,9 +148,7 @@ TEST_F(Usage, FailsWhenThereIsNowhereToWriteTheAnswer)
         return program.run();
     };
     for (const Words& words : {Words{"variants"}, Words{"show", "b"}, Words{"--version"}}) {
-        const Outcome outcome = withoutOutput(words);
-        EXPECT_EQ(outcome.err, "bsp-board: cannot write to standard output\n");
-        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(withoutOutput(words), NoOutput);
     }
     EXPECT_EQ(withoutOutput({"restart", "b", "warm"}).status, 0);
 }
@@ -173,11 +167,10 @@ protected:
     /** @param words  as bash separates them: it takes "=" for a word */
     std::vector<std::string> offered(const Words& words) const
     {
-        testsupport::Program bash{};
-        bash.path = "bash";
+        testsupport::Program bash = testsupport::programAt(
+            "bash", {"--norc", "--noprofile", "-c", Script, BSP_TEST_COMPLETION});
         bash.foreign = true;
         bash.directory = fs::path(file("board")).parent_path();
-        bash.arguments = {"--norc", "--noprofile", "-c", Script, BSP_TEST_COMPLETION};
         bash.arguments.insert(bash.arguments.end(), words.begin(), words.end());
         const testsupport::Outcome outcome = bash.run();
         EXPECT_EQ(outcome.err, "");

@@ -23,11 +23,17 @@ class Create : public SimulatorTest
 protected:
     mode_t mode(const std::string& name) const
     {
-        struct stat status
-        {};
+        struct stat status = {};
         EXPECT_EQ(::stat(file(name).c_str(), &status), 0);
         return status.st_mode & 07777U;
     }
+};
+
+/** The products by the codes that the variants have for them. */
+const std::map<int, std::string> products{
+    {1, "NXU4A"},    {2, "NXU2001"},  {3, "NXU2002"},  {4, "KT4851_1"}, {5, "KT4851_2"},
+    {6, "KT4766"},   {7, "DWB2001"},  {9, "KT4851_3"}, {10, "DWB2002"}, {11, "KT4851_4"},
+    {12, "NXU2003"}, {13, "NXU2004"}, {14, "DWB2003"},
 };
 
 std::string bytesOf(const NxuHwVariant& variant)
@@ -97,12 +103,7 @@ TEST_F(Create, TakesAnyVariant)
 
 TEST_F(Create, TakesTheFirstVariantOfAProduct)
 {
-    const std::map<std::string, int> productCodes{
-        {"NXU4A", 1},    {"NXU2001", 2},  {"NXU2002", 3},  {"KT4851_1", 4}, {"KT4851_2", 5},
-        {"KT4766", 6},   {"DWB2001", 7},  {"KT4851_3", 9}, {"DWB2002", 10}, {"KT4851_4", 11},
-        {"NXU2003", 12}, {"NXU2004", 13}, {"DWB2003", 14},
-    };
-    for (const auto& [product, code] : productCodes) {
+    for (const auto& [code, product] : products) {
         const auto first =
             std::find_if(hwVariants.begin(), hwVariants.end(),
                          [wanted = code](const auto& row) { return row.productCode == wanted; });
@@ -255,16 +256,11 @@ class Variants : public SimulatorTest
 
 std::string lineOf(std::size_t index, const NxuHwVariant& variant)
 {
-    static const std::map<int, const char*> products{
-        {1, "NXU4A"},    {2, "NXU2001"},  {3, "NXU2002"},  {4, "KT4851_1"}, {5, "KT4851_2"},
-        {6, "KT4766"},   {7, "DWB2001"},  {9, "KT4851_3"}, {10, "DWB2002"}, {11, "KT4851_4"},
-        {12, "NXU2003"}, {13, "NXU2004"}, {14, "DWB2003"},
-    };
     constexpr std::array<const char*, 7> revisions{"R1_P2", "R1_P3", "R1_P4", "R1_P5",
                                                    "R2_P1", "R2_P2", "XPIC"};
     std::array<char, 100> text{};
     std::snprintf(text.data(), text.size(), "%-5zu  %-8s  %-8s  ", index,
-                  products.at(variant.productCode),
+                  products.at(variant.productCode).c_str(),
                   revisions.at(static_cast<std::size_t>(variant.hwRevision)));
     std::string line = text.data();
     for (const std::int32_t value : variant.code.word) {

@@ -38,6 +38,14 @@ protected:
         EXPECT_EQ(contents("keep/file"), "kept");
     }
 
+    void expectKept(const std::string& word, std::uint32_t cause) const
+    {
+        expectQuiet({"restart", "b", word});
+        expectRestarted(cause);
+        EXPECT_THAT(entries("b/tmp"), IsEmpty());
+        EXPECT_EQ(contents("b/top.dtcm0"), std::string(32768, 'm'));
+    }
+
     void expectNothingDone(const std::string& complaint) const
     {
         const std::vector<std::string> before = everything();
@@ -58,18 +66,12 @@ TEST_F(Restart, ColdLosesTheMemoryAndLeavesTheMark)
 
 TEST_F(Restart, WarmKeepsTheMemory)
 {
-    expectQuiet({"restart", "b", "warm"});
-    expectRestarted(1);
-    EXPECT_THAT(entries("b/tmp"), IsEmpty());
-    EXPECT_EQ(contents("b/top.dtcm0"), std::string(32768, 'm'));
+    expectKept("warm", 1);
 }
 
 TEST_F(Restart, WatchdogKeepsTheMemory)
 {
-    expectQuiet({"restart", "b", "watchdog"});
-    expectRestarted(2);
-    EXPECT_THAT(entries("b/tmp"), IsEmpty());
-    EXPECT_EQ(contents("b/top.dtcm0"), std::string(32768, 'm'));
+    expectKept("watchdog", 2);
 }
 
 TEST_F(Restart, EachColdOneLeavesOtherMemory)

@@ -113,19 +113,14 @@ TEST_P(Run, FindsProgramsThatTheBoardsDirectoriesHide)
     const TemporaryDirectory programs;
     writeScript(programs.file("greet"), "echo hello $1 from $0");
     fs::create_symlink(programs.file("greet"), file("link"));
-    const std::string path = programs.path().string() + ":" + std::getenv("PATH");
-
     Program absolute = boardTool({"run", file("b"), programs.file("greet"), "world"});
     absolute.directory = "/";
     expectOutput(absolute, "hello world from " + programs.file("greet") + '\n');
 
-    Program searched = boardTool({"run", file("b"), "greet", "world"});
-    searched.directory = "/";
-    searched.environment["PATH"] = path;
-    expectOutput(searched, "hello world from " + programs.file("greet") + '\n');
+    expectOutput(boardToolInRoot({"run", file("b"), "greet", "world"}, programs.path()),
+                 "hello world from " + programs.file("greet") + '\n');
 
-    Program linked = boardTool({"run", "b", "./link", "world"});
-    expectOutput(linked, "hello world from ./link\n");
+    expectOutput(boardTool({"run", "b", "./link", "world"}), "hello world from ./link\n");
 
     Program relative = boardTool({"run", file("b"), "./greet", "world"});
     relative.directory = programs.path();
@@ -136,9 +131,7 @@ TEST_P(Run, PrefersTheBoardsOwnPrograms)
 {
     const TemporaryDirectory programs("/tmp");
     writeScript(programs.file("greet"), "echo host");
-    const fs::path own = file("b/tmp") / programs.path().filename();
-    fs::create_directory(own);
-    writeScript(own / "greet", "echo board");
+    const fs::path own = plant(programs.path(), "echo board");
     expectOutput(boardTool({"run", "b", programs.file("greet")}), "board\n");
     fs::permissions(own / "greet", fs::perms::owner_read);
     expectOutput(boardTool({"run", "b", programs.file("greet")}), "host\n");

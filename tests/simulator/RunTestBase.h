@@ -4,6 +4,7 @@
 #include "SimulatorTest.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
@@ -56,6 +57,25 @@ protected:
     {
         testsupport::writeFile(path, "#!/bin/sh\n" + text + '\n');
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    }
+
+    /** Gives the board a program "greet" of its own in its directory of that path in /tmp. */
+    std::filesystem::path plant(const std::filesystem::path& directory,
+                                const std::string& text) const
+    {
+        const std::filesystem::path own = file("b/tmp") / directory.filename();
+        std::filesystem::create_directory(own);
+        writeScript(own / "greet", text);
+        return own;
+    }
+
+    /** A board's command, called in "/", with the host's programs of that directory first. */
+    testsupport::Program boardToolInRoot(const Words& words, const std::string& programs) const
+    {
+        testsupport::Program program = boardTool(words);
+        program.directory = "/";
+        program.environment["PATH"] = programs + ':' + std::getenv("PATH");
+        return program;
     }
 
     void waitForFile(const std::string& name) const

@@ -88,10 +88,8 @@ TEST_P(RunVisible, TheFoldersOfPrograms)
     fs::create_directory_symlink(libraries.path(), file("link"));
     for (int i = 0; i < 2; ++i) {
         Program program =
-            boardTool({"run", file("b"), "sh", "-c", "greet; cat \"$LD_LIBRARY_PATH\"/*"});
-        program.directory = "/";
-        program.environment["PATH"] =
-            "/tmp/no/such:" + programs.file("bin") + ':' + std::getenv("PATH");
+            boardToolInRoot({"run", file("b"), "sh", "-c", "greet; cat \"$LD_LIBRARY_PATH\"/*"},
+                            "/tmp/no/such:" + programs.file("bin"));
         program.environment["LD_LIBRARY_PATH"] = file("link");
         expectOutput(program, "hello\ntext\n");
     }
@@ -101,13 +99,9 @@ TEST_P(RunVisible, TheBoardsOwnFoldersOfPrograms)
 {
     const TemporaryDirectory programs("/tmp");
     writeScript(programs.file("greet"), "echo host");
-    const fs::path own = file("b/tmp") / programs.path().filename();
-    fs::create_directory(own);
-    writeScript(own / "greet", "echo board");
-    Program program = boardTool({"run", file("b"), "sh", "-c", "greet"});
-    program.directory = "/";
-    program.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
-    expectOutput(program, "board\n");
+    plant(programs.path(), "echo board");
+    expectOutput(boardToolInRoot({"run", file("b"), "sh", "-c", "greet"}, programs.path()),
+                 "board\n");
 }
 
 TEST_P(RunVisible, NoProgramsThatOthersPutInFrontOfTheHosts)
@@ -115,17 +109,13 @@ TEST_P(RunVisible, NoProgramsThatOthersPutInFrontOfTheHosts)
     const TemporaryDirectory programs;
     writeScript(programs.file("greet"), "echo host");
     fs::permissions(programs.file("greet"), fs::perms::all);
-    const fs::path planted = file("b/tmp") / programs.path().filename();
-    fs::create_directory(planted);
-    writeScript(planted / "greet", "echo planted");
+    const fs::path planted = plant(programs.path(), "echo planted");
     constexpr uid_t other = 65534;
     if (::geteuid() != 0 || ::chown(planted.c_str(), other, other) != 0) {
         GTEST_SKIP() << "only root can make what other users own";
     }
-    Program listed = boardTool({"run", file("b"), "sh", "-c", "greet"});
-    listed.directory = "/";
-    listed.environment["PATH"] = programs.path().string() + ':' + std::getenv("PATH");
-    expectOutput(listed, "host\n");
+    expectOutput(boardToolInRoot({"run", file("b"), "sh", "-c", "greet"}, programs.path()),
+                 "host\n");
     Program named = boardTool({"run", file("b"), programs.file("greet")});
     named.directory = "/";
     expectOutput(named, "host\n");

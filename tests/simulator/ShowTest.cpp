@@ -24,10 +24,7 @@ protected:
 
     std::string show(Words words = {"show", "b"}) const
     {
-        const Outcome outcome = run(std::move(words));
-        EXPECT_EQ(outcome.err, "");
-        EXPECT_EQ(outcome.status, 0);
-        return outcome.out;
+        return testsupport::outputOf(boardTool(std::move(words)));
     }
 
     /** Puts an object into the warm area; blocks are counted from 1. */
@@ -291,12 +288,10 @@ TEST_F(Show, ChangesNothing)
     set("RadiolinkMode", "Rl5");
     putBlock(1, "SLOT", word(5));
     const std::vector<std::string> before = everything();
-    struct stat store
-    {};
+    struct stat store = {};
     ASSERT_EQ(::stat(file("b/settings").c_str(), &store), 0);
     show({"show", "b", "--dump"});
-    struct stat after
-    {};
+    struct stat after = {};
     ASSERT_EQ(::stat(file("b/settings").c_str(), &after), 0);
     EXPECT_EQ(everything(), before);
     EXPECT_EQ(after.st_mtim.tv_sec, store.st_mtim.tv_sec);
