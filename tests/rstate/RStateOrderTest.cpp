@@ -152,26 +152,24 @@ TEST(RStateIncrement, RebuildsTheTextEvenWhenNothingChanges)
 
 TEST(RStateIncrement, StepsWhatTheParseReached)
 {
-    expectSteps({{"foo", Auto, "R0B"},
-                 {"foo", Revision, "R0A"},
-                 {"", Major, "R1A"},
-                 {"R5", Major, "R6A"},
-                 {"R5", Auto, "R5B"},
-                 {"R0A01", Auto, "R0B"},
-                 {"R1A1000", Auto, "R1B01"},
-                 {"R1A1000", Minor, "R1B01"},
-                 {"R1A1000", Major, "R2A01"},
-                 {"R1A4294967296", Minor, "R1B01"}});
+    const std::vector<Step> rows = {
+        {"foo", Auto, "R0B"},        {"foo", Revision, "R0A"},
+        {"", Major, "R1A"},          {"R5", Major, "R6A"},
+        {"R5", Auto, "R5B"},         {"R0A01", Auto, "R0B"},
+        {"R1A1000", Auto, "R1B01"},  {"R1A1000", Minor, "R1B01"},
+        {"R1A1000", Major, "R2A01"}, {"R1A4294967296", Minor, "R1B01"},
+    };
+    expectSteps(rows);
 }
 
 TEST(RStateIncrement, WrapsAtTheEndOfTheNumbers)
 {
-    expectSteps({{"R2147483647A", Major, "R-2147483648A"},
-                 {"R99999999999A", Major, "R-2147483648A"},
-                 {"R2147483647ZZZZ", Auto, "R-2147483648A"},
-                 {"R1A2147483647", Auto, "R1A"},
-                 {"R1A2147483647", Revision, "R1A"},
-                 {"R1A2147483646", Auto, "R1B01"}});
+    const std::vector<Step> rows = {
+        {"R2147483647A", Major, "R-2147483648A"},   {"R99999999999A", Major, "R-2147483648A"},
+        {"R2147483647ZZZZ", Auto, "R-2147483648A"}, {"R1A2147483647", Auto, "R1A"},
+        {"R1A2147483647", Revision, "R1A"},         {"R1A2147483646", Auto, "R1B01"},
+    };
+    expectSteps(rows);
     RState rstate(1, INT_MAX, 0);
     rstate.increment(Minor);
     EXPECT_EQ(rstate.getMinor(), INT_MIN);

@@ -48,10 +48,8 @@ const std::string Listing =
 
 Program bsp(std::vector<std::string> arguments = {}, Environment environment = {})
 {
-    Program program{};
-    program.path = BSP_TEST_FAKE_BOARD_TOOL;
+    Program program = programAt(BSP_TEST_FAKE_BOARD_TOOL, std::move(arguments));
     program.name = "bsp";
-    program.arguments = std::move(arguments);
     program.environment = std::move(environment);
     return program;
 }
@@ -64,6 +62,12 @@ Environment boardWithWord(int index, int value)
         code << (word == index ? value : 0) << ' ';
     }
     return {{"FAKE_BOARD_CODE", code.str()}};
+}
+
+/** Describes such boards by the value of the word. */
+auto hasWord(int index)
+{
+    return [index](int value) { return boardWithWord(index, value); };
 }
 
 /** The same with a setting of the traffic FPGA. */
@@ -174,56 +178,37 @@ TEST(GetBoardId, PrintsTheTextOrNothingAtAllForANullText)
 
 TEST(GetProductId, PrintsTheName)
 {
-    expectGolden(bsp(), rowsOf<std::string>("getProductId", withProduct,
-                                            {{"1", "NXU4A"},
-                                             {"2", "NXU2001"},
-                                             {"3", "NXU2002"},
-                                             {"4", "KT4851_1"},
-                                             {"5", "KT4851_2"},
-                                             {"6", "KT4766"},
-                                             {"7", "DWB2001"},
-                                             {"9", "KT4851_3"},
-                                             {"10", "DWB2002"},
-                                             {"11", "KT4851_4"},
-                                             {"12", "NXU2003"},
-                                             {"13", "NXU2004"},
-                                             {"14", "DWB2003"},
-                                             {"0", "EndOfList"},
-                                             {"8", "EndOfList"},
-                                             {"15", "EndOfList"},
-                                             {"-1", "EndOfList"}}));
+    const std::vector<std::pair<std::string, std::string>> names = {
+        {"1", "NXU4A"},      {"2", "NXU2001"},   {"3", "NXU2002"},   {"4", "KT4851_1"},
+        {"5", "KT4851_2"},   {"6", "KT4766"},    {"7", "DWB2001"},   {"9", "KT4851_3"},
+        {"10", "DWB2002"},   {"11", "KT4851_4"}, {"12", "NXU2003"},  {"13", "NXU2004"},
+        {"14", "DWB2003"},   {"0", "EndOfList"}, {"8", "EndOfList"}, {"15", "EndOfList"},
+        {"-1", "EndOfList"},
+    };
+    expectGolden(bsp(), rowsOf("getProductId", withProduct, names));
 }
 
 TEST(GetControlBackplane, PrintsTheName)
 {
-    expectGolden(bsp(),
-                 rowsOf<int>("getControlBackplane", [](int word) { return boardWithWord(2, word); },
-                             {{0, "Pci"}, {1, "Pcie"}, {2, "Ethernet"}, {3, "EndOfList"}}));
+    expectGolden(bsp(), rowsOf<int>("getControlBackplane", hasWord(2),
+                                    {{0, "Pci"}, {1, "Pcie"}, {2, "Ethernet"}, {3, "EndOfList"}}));
 }
 
 TEST(GetDspType, PrintsTheName)
 {
-    expectGolden(bsp(), rowsOf<int>("getDspType", [](int word) { return boardWithWord(5, word); },
-                                    {{0, "BCM85650"},
-                                     {2, "BCM85655"},
-                                     {4, "BCM85651"},
-                                     {1, "EndOfList"},
-                                     {3, "EndOfList"}}));
+    const std::vector<std::pair<int, std::string>> names = {
+        {0, "BCM85650"}, {2, "BCM85655"}, {4, "BCM85651"}, {1, "EndOfList"}, {3, "EndOfList"},
+    };
+    expectGolden(bsp(), rowsOf("getDspType", hasWord(5), names));
 }
 
 TEST(GetTrafFpgaType, PrintsTheName)
 {
-    expectGolden(bsp(),
-                 rowsOf<int>("getTrafFpgaType", [](int word) { return boardWithWord(3, word); },
-                             {{0, "Fulmar"},
-                              {3, "Linnet"},
-                              {4, "Nightjar"},
-                              {5, "Osprey"},
-                              {6, "Puffin"},
-                              {7, "Quail"},
-                              {8, "Redwing"},
-                              {1, "EndOfList"},
-                              {9, "EndOfList"}}));
+    const std::vector<std::pair<int, std::string>> names = {
+        {0, "Fulmar"}, {3, "Linnet"},  {4, "Nightjar"},  {5, "Osprey"},    {6, "Puffin"},
+        {7, "Quail"},  {8, "Redwing"}, {1, "EndOfList"}, {9, "EndOfList"},
+    };
+    expectGolden(bsp(), rowsOf("getTrafFpgaType", hasWord(3), names));
 }
 
 TEST(GetTrafFpgaType, PrintsTheNameOfTheOtherVariant)

@@ -12,8 +12,7 @@ using namespace testsupport;
 /** The tool, or another program with its dispatcher, started with the given first word. */
 Program as(const std::string& name, const std::string& path = tool("bsp").path)
 {
-    Program program{};
-    program.path = path;
+    Program program = programAt(path);
     program.name = name;
     return program;
 }
