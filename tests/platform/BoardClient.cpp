@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <vector>

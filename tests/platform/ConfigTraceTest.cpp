@@ -45,10 +45,9 @@ TEST_F(ConfigTrace, SaysWhyAValueIsNotSet)
 {
     const std::string missing = board.file("missing");
     EXPECT_THAT(errorsOf({"set", "key", "value"}, {{"BSP_BOARD_DIR", missing}}),
-                MatchesRegex(failure("set\\(key\\) failed: cannot write the configuration store " +
-                                     missing +
-                                     "/settings: cannot open the directory: No such file or "
-                                     "directory")));
+                MatchesRegex(
+                    failure("set\\(key\\) failed: cannot write the configuration store " + missing +
+                            "/settings: cannot open the directory: No such file or directory")));
     EXPECT_THAT(errorsOf({"set", "", "value"}, {}),
                 MatchesRegex(failure("set\\(\\) failed: cannot write the configuration store " +
                                      board.file("settings") + ": an empty key")));

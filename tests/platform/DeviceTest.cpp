@@ -27,9 +27,21 @@ using DDevIo::PthreadMutex;
 using namespace testing;
 using testsupport::Board;
 
+std::unique_ptr<IDevice> open(const std::string& name)
+{
+    return Factory::getInstance().createUnique(name, std::make_unique<PthreadMutex>(0));
+}
+
 class OnBoard : public Test
 {
 protected:
+    /** A device of that contents. */
+    std::unique_ptr<IDevice> make(const std::string& contents) const
+    {
+        board.write("device", contents);
+        return open("device");
+    }
+
     const Board board;
 };
 using DeviceHandle = OnBoard;
@@ -55,11 +67,6 @@ public:
 private:
     std::vector<std::string>& m_log;
 };
-
-std::unique_ptr<IDevice> open(const std::string& name)
-{
-    return Factory::getInstance().createUnique(name, std::make_unique<PthreadMutex>(0));
-}
 
 /** What a read gives; @p untouched when it fails, which is asserted. */
 unsigned int readOf(IDevice& device, std::size_t offset, unsigned int untouched = 0xDEAD)
@@ -207,8 +214,7 @@ TEST_F(DeviceRegisters, AreReadInNativeByteOrder)
 
 TEST_F(DeviceRegisters, AreReadAnewEachTime)
 {
-    board.write("device", wordsOf({1}));
-    const auto device = open("device");
+    const auto device = make(wordsOf({1}));
     EXPECT_EQ(readOf(*device, 0), 1U);
     const int fd = ::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC);
     const std::string changed = wordsOf({7});
@@ -227,8 +233,7 @@ TEST_F(DeviceRegisters, AreReadThroughALinkToADeviceNode)
 
 TEST_F(DeviceRegisters, EndWithTheFile)
 {
-    board.write("device", wordsOf({1, 2}) + "abc");
-    const auto device = open("device");
+    const auto device = make(wordsOf({1, 2}) + "abc");
     EXPECT_EQ(readOf(*device, 4), 2U);
     EXPECT_EQ(readOf(*device, 8), 0xDEADU);
     EXPECT_EQ(readOf(*device, 12), 0xDEADU);
@@ -237,8 +242,7 @@ TEST_F(DeviceRegisters, EndWithTheFile)
 TEST_F(DeviceRegisters, EndWithTheFirstPage)
 {
     const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    board.write("device", std::string(2 * page, 'a'));
-    const auto device = open("device");
+    const auto device = make(std::string(2 * page, 'a'));
     EXPECT_EQ(readOf(*device, page - 4), 0x61616161U);
     EXPECT_EQ(readOf(*device, page), 0xDEADU);
     EXPECT_EQ(readOf(*device, ~std::size_t{3}), 0xDEADU);
@@ -246,8 +250,7 @@ TEST_F(DeviceRegisters, EndWithTheFirstPage)
 
 TEST_F(DeviceRegisters, AreAligned)
 {
-    board.write("device", std::string(16, 'a'));
-    const auto device = open("device");
+    const auto device = make(std::string(16, 'a'));
     for (const std::size_t offset : {1U, 2U, 3U, 5U}) {
         EXPECT_EQ(readOf(*device, offset), 0xDEADU) << offset;
     }
@@ -255,8 +258,7 @@ TEST_F(DeviceRegisters, AreAligned)
 
 TEST_F(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
 {
-    board.write("device", wordsOf({1, 2}));
-    const auto device = open("device");
+    const auto device = make(wordsOf({1, 2}));
     ASSERT_EQ(::truncate(board.file("device").c_str(), 4), 0);
     EXPECT_EQ(readOf(*device, 0), 1U);
     EXPECT_EQ(readOf(*device, 4), 0xDEADU);
@@ -266,8 +268,7 @@ TEST_F(DeviceRegisters, FailToBeReadWhenTheFileWasCutOff)
 
 TEST_F(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
 {
-    board.write("device", wordsOf({7}));
-    const auto device = open("device");
+    const auto device = make(wordsOf({7}));
     std::atomic<bool> done{false};
     const syscalls::FileDescriptor file(::open(board.file("device").c_str(), O_WRONLY | O_CLOEXEC));
     std::thread cutter([&] {
@@ -290,8 +291,7 @@ TEST_F(DeviceRegisters, FailToBeReadWhileTheFileIsCutOffAgainAndAgain)
 
 TEST_F(DeviceRegisters, OfAnEmptyFileAreNone)
 {
-    board.write("device", "");
-    const auto device = open("device");
+    const auto device = make("");
     ASSERT_THAT(device, NotNull());
     EXPECT_EQ(readOf(*device, 0), 0xDEADU);
 }

@@ -35,47 +35,30 @@ std::string textOf(const std::string& key, const std::string& value)
     return text.text();
 }
 
-TEST(SettingsText, IsEmptyWithoutLines)
+TEST(SettingsText, HasTheseEntries)
 {
-    EXPECT_THAT(entriesOf(""), IsEmpty());
+    struct
+    {
+        const char* of;
+        std::string text;
+        Entries entries;
+    } const rows[] = {
+        {"no lines", "", {}},
+        {"a key and a value in a line",
+         "RadiolinkMode=Rl5\nFpgaVariant=TwoTdm\n",
+         {{"FpgaVariant", "TwoTdm"}, {"RadiolinkMode", "Rl5"}}},
+        {"no value", "a=b=c\nempty=\nlast=1", {{"a", "b=c"}, {"empty", ""}, {"last", "1"}}},
+        {"blanks around", " a = b c \t\n\tb=1\r\n c =\r\n", {{"a", "b c"}, {"b", "1"}, {"c", ""}}},
+        {"escapes", "a\\x3Db=\\x20\\\\\\n\\x00\\xfF \n", {{"a=b", std::string(" \\\n\0\xFF", 5)}}},
+        {"an escaped mark", "\\x23a=#b\n", {{"#a", "#b"}}},
+        {"other bytes", "\xC3\xA4=\xFF\ta\n", {{"\xC3\xA4", "\xFF\ta"}}},
+        {"blanks and comments", "\n \t\r\n# a=b\n  #c\x01\nd=1 # none\n", {{"d", "1 # none"}}},
+        {"several lines of a key", "a=1\nb=2\na=3\n", {{"a", "3"}, {"b", "2"}}},
+    };
+    for (const auto& [of, text, entries] : rows) {
+        EXPECT_EQ(entriesOf(text), entries) << of;
+    }
     EXPECT_EQ(SettingsText("").text(), "");
-}
-
-TEST(SettingsText, HasAKeyAndAValueInALine)
-{
-    EXPECT_THAT(entriesOf("RadiolinkMode=Rl5\nFpgaVariant=TwoTdm\n"),
-                ElementsAre(Pair("FpgaVariant", "TwoTdm"), Pair("RadiolinkMode", "Rl5")));
-    EXPECT_THAT(entriesOf("a=b=c\nempty=\nlast=1"),
-                ElementsAre(Pair("a", "b=c"), Pair("empty", ""), Pair("last", "1")));
-}
-
-TEST(SettingsText, TakesNoBlanksAroundKeysAndValues)
-{
-    EXPECT_THAT(entriesOf(" a = b c \t\n\tb=1\r\n c =\r\n"),
-                ElementsAre(Pair("a", "b c"), Pair("b", "1"), Pair("c", "")));
-}
-
-TEST(SettingsText, TakesEscapesInKeysAndValues)
-{
-    EXPECT_THAT(entriesOf("a\\x3Db=\\x20\\\\\\n\\x00\\xfF \n"),
-                ElementsAre(Pair("a=b", std::string(" \\\n\0\xFF", 5))));
-    EXPECT_THAT(entriesOf("\\x23a=#b\n"), ElementsAre(Pair("#a", "#b")));
-}
-
-TEST(SettingsText, TakesOtherBytesAsTheyAre)
-{
-    EXPECT_THAT(entriesOf("\xC3\xA4=\xFF\ta\n"), ElementsAre(Pair("\xC3\xA4", "\xFF\ta")));
-}
-
-TEST(SettingsText, SaysNothingInBlankLinesAndComments)
-{
-    EXPECT_THAT(entriesOf("\n \t\r\n# a=b\n  #c\x01\nd=1 # none\n"),
-                ElementsAre(Pair("d", "1 # none")));
-}
-
-TEST(SettingsText, TakesTheLastOfSeveralLinesOfAKey)
-{
-    EXPECT_THAT(entriesOf("a=1\nb=2\na=3\n"), ElementsAre(Pair("a", "3"), Pair("b", "2")));
 }
 
 TEST(SettingsText, NamesTheLineThatIsWrongAndWhy)

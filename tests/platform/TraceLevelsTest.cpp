@@ -39,9 +39,7 @@ TEST_F(TraceLevels, AreSetByTheChannelsName)
     EXPECT_EQ(levelOf("bsp.core"), 7U);
     EXPECT_EQ(levelOf("Bsp.WarmDatabase"), 5U);
     EXPECT_EQ(levelOf("a=b"), 4U);
-    for (const char* other : {"bsp.cor", "bsp.core2", "xbsp.core", "bsp", "", "bspxcore"}) {
-        EXPECT_EQ(levelOf(other), 3U) << other;
-    }
+    expectLevel(3, {"bsp.cor", "bsp.core2", "xbsp.core", "bsp", "", "bspxcore"});
 }
 
 TEST_F(TraceLevels, DoNotDependOnCase)
@@ -55,21 +53,13 @@ TEST_F(TraceLevels, DoNotDependOnCase)
 TEST_F(TraceLevels, AreSetByPatterns)
 {
     setLevels("bsp.*=7,?ed=5,*.end=6,*mid*=2,a.[0-9]=4,x\\*=1");
-    const std::pair<const char*, unsigned int> cases[] = {
-        {"bsp.core", 7},  {"Bsp.WarmDatabase", 7},
-        {"bsp.", 7},      {"bsp", 3},
-        {"absp.core", 3}, {"led", 5},
-        {"LED", 5},       {"ed", 3},
-        {"sled", 3},      {"the.end", 6},
-        {"the.end.", 3},  {"amidst", 2},
-        {"mid", 2},       {"a.7", 4},
-        {"a.b", 3},       {"/a/mid/b", 2},
-        {"x\\y", 1},      {"x*", 3},
-        {"", 3},
-    };
-    for (const auto& [channel, level] : cases) {
-        EXPECT_EQ(levelOf(channel), level) << channel;
-    }
+    expectLevel(7, {"bsp.core", "Bsp.WarmDatabase", "bsp."});
+    expectLevel(5, {"led", "LED"});
+    expectLevel(6, {"the.end"});
+    expectLevel(2, {"amidst", "mid", "/a/mid/b"});
+    expectLevel(4, {"a.7"});
+    expectLevel(1, {"x\\y"});
+    expectLevel(3, {"bsp", "absp.core", "ed", "sled", "the.end.", "a.b", "x*", ""});
 }
 
 TEST_F(TraceLevels, AreThoseOfTheMostExactPattern)
@@ -108,9 +98,7 @@ TEST_F(TraceLevels, AreReportedOnceAndIgnoredWhenTheyAreBad)
     setLevels("bsp.core,=4,a=,b=8,c=-1,d=07,e=x, f=5,g=6,*=1\n2");
     testing::internal::CaptureStderr();
     for (int i = 0; i < 2; ++i) {
-        for (const char* channel : {"bsp.core", "", "a", "b", "c", "d", "e", "f", " f"}) {
-            EXPECT_EQ(levelOf(channel), 3U) << channel;
-        }
+        expectLevel(3, {"bsp.core", "", "a", "b", "c", "d", "e", "f", " f"});
         EXPECT_EQ(levelOf("g"), 6U);
     }
     const std::string form = " in QELTRACE_LEVEL: not of the form CHANNEL=LEVEL\n";

@@ -53,6 +53,13 @@ protected:
         return channel.m_state->level;
     }
 
+    static void expectLevel(HvxTraceLevel level, const std::vector<std::string>& channels)
+    {
+        for (const std::string& channel : channels) {
+            EXPECT_EQ(levelOf(channel), level) << channel;
+        }
+    }
+
     std::vector<std::string> lines() const
     {
         return std::filesystem::exists(file) ? linesOf(readFile(file)) : std::vector<std::string>{};

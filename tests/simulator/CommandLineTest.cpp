@@ -143,9 +143,7 @@ TEST_F(Usage, FailsWhenThereIsNowhereToWriteTheAnswer)
 {
     expectQuiet({"create", "b"});
     const auto withoutOutput = [this](const Words& words) {
-        testsupport::Program program = boardTool(words);
-        program.prepare = [] { ::close(STDOUT_FILENO); };
-        return program.run();
+        return prepared(boardTool(words), [] { ::close(STDOUT_FILENO); }).run();
     };
     for (const Words& words : {Words{"variants"}, Words{"show", "b"}, Words{"--version"}}) {
         EXPECT_EQ(withoutOutput(words), NoOutput);

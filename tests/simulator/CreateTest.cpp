@@ -77,9 +77,7 @@ TEST_F(Create, FillsTheMemoryWithAnything)
 
 TEST_F(Create, LetsEverybodyUseTheSharedDirectoriesWhateverTheUmask)
 {
-    testsupport::Program program = boardTool({"create", "b"});
-    program.prepare = [] { ::umask(077); };
-    EXPECT_EQ(program.run().status, 0);
+    EXPECT_EQ(prepared(boardTool({"create", "b"}), [] { ::umask(077); }).run().status, 0);
     EXPECT_EQ(mode("b/shm"), 01777U);
     EXPECT_EQ(mode("b/tmp"), 01777U);
     EXPECT_EQ(mode("b"), 0700U);
@@ -238,9 +236,8 @@ TEST_F(Create, GivesAPlaceToOneOfManyAtOnce)
 {
     std::vector<pid_t> processes;
     for (int i = 0; i < 8; ++i) {
-        testsupport::Program program = boardTool({"create", "b"});
-        program.prepare = [] { std::fclose(stderr); };
-        processes.push_back(program.start());
+        processes.push_back(
+            prepared(boardTool({"create", "b"}), [] { std::fclose(stderr); }).start());
     }
     int made = 0;
     for (const pid_t process : processes) {

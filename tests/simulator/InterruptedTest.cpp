@@ -14,7 +14,8 @@ namespace
 namespace fs = std::filesystem;
 using namespace testing;
 
-class CreateKilled : public SimulatorTest
+/** Something happens to a command before each of its system calls in turn. */
+class Interrupted : public SimulatorTest
 {
 protected:
     void SetUp() override
@@ -24,11 +25,21 @@ protected:
         }
     }
 
+    /** Any use of the program begins with the calls before this one. */
+    int firstCall() const
+    {
+        constexpr int lastOnes = 5;
+        return testsupport::countCalls(boardTool({"--version"})) - lastOnes;
+    }
+};
+
+class CreateKilled : public Interrupted
+{
+protected:
     /** Kills a `create b` before each of its system calls in turn, but for the program's first. */
     template <typename Check> void killEverywhere(const Check& check) const
     {
-        constexpr int lastOnes = 5;
-        const int first = testsupport::countCalls(boardTool({"--version"})) - lastOnes;
+        const int first = firstCall();
         int call = first;
         bool killed = true;
         while (killed && !HasFailure()) {
@@ -107,13 +118,14 @@ void PrintTo(const Case& parameter, std::ostream* stream)
 }
 
 /** While a board restarts, something of it is replaced by a link to what must not be touched. */
-class RestartLinks : public SimulatorTest, public testing::WithParamInterface<Case>
+class RestartLinks : public Interrupted, public testing::WithParamInterface<Case>
 {
 protected:
     void SetUp() override
     {
-        if (!testsupport::canTrace()) {
-            GTEST_SKIP() << "programs cannot be stopped at a system call in an emulator";
+        Interrupted::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         fs::create_directories(file("keep/red"));
         fs::create_directories(file("keep/tmp/deep"));
@@ -148,13 +160,6 @@ protected:
         fs::create_symlink(file(GetParam().target), entry);
     }
 
-    /** Any use of the program begins with these. */
-    int callsBeforeWork() const
-    {
-        constexpr int lastOnes = 5;
-        return testsupport::countCalls(boardTool({"--version"})) - lastOnes;
-    }
-
     std::vector<std::string> m_kept;
 };
 
@@ -162,7 +167,7 @@ TEST_P(RestartLinks, AreNotFollowedAtAnyMoment)
 {
     // A program with the address sanitizer takes long to start: it is stopped at some moments only.
     const int step = testsupport::isSanitized("address") ? 8 : 1;
-    const int first = callsBeforeWork();
+    const int first = firstCall();
     int call = first - step;
     do {
         renewBoard();

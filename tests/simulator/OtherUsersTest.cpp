@@ -124,9 +124,7 @@ TEST_F(OtherUsers, AreNoMatterForOrdinaryUsers)
 
 TEST_F(OtherUsers, GetNoWriteAccessToWhatRootMakes)
 {
-    testsupport::Program create = boardTool({"create", "b"});
-    create.prepare = [] { ::umask(0); };
-    EXPECT_EQ(create.run().status, 0);
+    EXPECT_EQ(prepared(boardTool({"create", "b"}), [] { ::umask(0); }).run().status, 0);
     expectQuiet({"restart", "b", "cold"});
 }
 

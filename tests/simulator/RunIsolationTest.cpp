@@ -35,6 +35,11 @@ protected:
         return program;
     }
 
+    void expectImpossible(const Words& options, const std::string& why) const
+    {
+        expectFailure(withOwnPrograms(options, {"/bin/true"}), Impossible + why + '\n', 125);
+    }
+
     /** Something named bwrap that does as bubblewrap does until it is to run the command. */
     void makeBubblewrapThatFailsLate() const
     {
@@ -46,39 +51,28 @@ protected:
 
 TEST_P(RunIsolation, SaysWhatToInstall)
 {
-    expectFailure(withOwnPrograms({}, {"/bin/true"}),
-                  Impossible + "bubblewrap is not installed; proot is not installed "
-                               "(on Debian: apt-get install bubblewrap proot)\n",
-                  125);
-    expectFailure(withOwnPrograms({"--isolate=bubblewrap"}, {"/bin/true"}),
-                  Impossible + "bubblewrap is not installed "
-                               "(on Debian: apt-get install bubblewrap)\n",
-                  125);
-    expectFailure(withOwnPrograms({"--isolate", "proot"}, {"/bin/true"}),
-                  Impossible + "proot is not installed (on Debian: apt-get install proot)\n", 125);
+    expectImpossible({}, "bubblewrap is not installed; proot is not installed "
+                         "(on Debian: apt-get install bubblewrap proot)");
+    expectImpossible({"--isolate=bubblewrap"}, "bubblewrap is not installed "
+                                               "(on Debian: apt-get install bubblewrap)");
+    expectImpossible({"--isolate", "proot"},
+                     "proot is not installed (on Debian: apt-get install proot)");
 }
 
 TEST_P(RunIsolation, SaysWhatIsRefused)
 {
     writeScript(file("bin/bwrap"), "echo 'bwrap: no namespace' >&2; echo more >&2; exit 1");
     const std::string bubblewraps = "bubblewrap is refused here (bwrap: no namespace)";
-    expectFailure(withOwnPrograms({}, {"/bin/true"}),
-                  Impossible + bubblewraps +
-                      "; proot is not installed (on Debian: apt-get install proot)\n",
-                  125);
-    expectFailure(withOwnPrograms({"--isolate=bubblewrap"}, {"/bin/true"}),
-                  Impossible + bubblewraps + '\n', 125);
+    expectImpossible({},
+                     bubblewraps + "; proot is not installed (on Debian: apt-get install proot)");
+    expectImpossible({"--isolate=bubblewrap"}, bubblewraps);
     writeScript(file("bin/proot"), "echo 'proot error: no ptrace' >&2; exit 1");
-    expectFailure(withOwnPrograms({}, {"/bin/true"}),
-                  Impossible + bubblewraps + "; proot is refused here (proot error: no ptrace)\n",
-                  125);
+    expectImpossible({}, bubblewraps + "; proot is refused here (proot error: no ptrace)");
 }
 
 TEST_P(RunIsolation, SaysThatTracingIsRefused)
 {
-    Program program = boardTool({"run", "--isolate=proot", "b", "/bin/true"});
-    program.prepare = refuseTracing;
-    expectFailure(program,
+    expectFailure(prepared(boardTool({"run", "--isolate=proot", "b", "/bin/true"}), refuseTracing),
                   Impossible + "proot is refused here "
                                "(proot error: ptrace(TRACEME): Operation not permitted)\n",
                   125);
@@ -86,8 +80,8 @@ TEST_P(RunIsolation, SaysThatTracingIsRefused)
 
 TEST_P(RunIsolation, UsesProotWhereMountsAreRefused)
 {
-    Program program = shell("echo run >> ran; echo x > /tmp/f; ls /sys/class/leds; exit 5");
-    program.prepare = refuseMounts;
+    const Program program = prepared(
+        shell("echo run >> ran; echo x > /tmp/f; ls /sys/class/leds; exit 5"), refuseMounts);
     EXPECT_EQ(program.run(), (Outcome{"green\nred\nyellow\n", "", 5}));
     EXPECT_EQ(contents("ran"), "run\n");
     EXPECT_EQ(contents("b/tmp/f"), "x\n");

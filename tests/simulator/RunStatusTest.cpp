@@ -1,8 +1,8 @@
 #include "Namespaces.h"
+#include "Nodes.h"
 #include "OtherUser.h"
 #include "RunTestBase.h"
 
-#include <array>
 #include <csignal>
 
 #include <fcntl.h>
@@ -147,15 +147,13 @@ TEST_P(RunStatus, IgnoredSignalsStayIgnored)
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator passes no ignored signals on";
     }
-    Program program = shell("kill -HUP $$; echo alive");
-    program.prepare = [] { std::signal(SIGHUP, SIG_IGN); };
-    expectOutput(program, "alive\n");
+    expectOutput(prepared(shell("kill -HUP $$; echo alive"), [] { std::signal(SIGHUP, SIG_IGN); }),
+                 "alive\n");
 }
 
 TEST_P(RunStatus, NoticesTheEndThoughItsParentIgnoresEnds)
 {
-    Program program = shell("exit 7");
-    program.prepare = [] { std::signal(SIGCHLD, SIG_IGN); };
+    const Program program = prepared(shell("exit 7"), [] { std::signal(SIGCHLD, SIG_IGN); });
     EXPECT_EQ(program.run().status, 7);
 }
 
@@ -164,20 +162,17 @@ TEST_P(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
     if (!std::string(BSP_TEST_EMULATOR).empty()) {
         GTEST_SKIP() << "the emulator lets no process adopt others";
     }
-    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (terminal == -1) {
+    const testsupport::Terminal terminal;
+    if (!terminal.user().isOpen()) {
         GTEST_SKIP() << "there are no pseudo terminals here";
     }
-    ASSERT_EQ(::grantpt(terminal), 0);
-    ASSERT_EQ(::unlockpt(terminal), 0);
-    std::array<char, 100> name{};
-    ASSERT_EQ(::ptsname_r(terminal, name.data(), name.size()), 0);
+    ASSERT_NE(terminal.path(), "");
 
     Program program = shell("trap 'touch interrupted' INT; touch ready;"
                             "until test -e go; do sleep 0.01; done; exit 4");
-    program.prepare = [&name] {
+    program.prepare = [&terminal] {
         ::setsid();
-        const int line = ::open(name.data(), O_RDWR);
+        const int line = ::open(terminal.path().c_str(), O_RDWR);
         ::ioctl(line, TIOCSCTTY, 0);
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             ::dup2(line, stream);
@@ -186,11 +181,10 @@ TEST_P(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
     const pid_t process = program.start();
     waitForFile("ready");
     constexpr char interrupt = 3;
-    ASSERT_EQ(::write(terminal, &interrupt, 1), 1);
+    ASSERT_EQ(::write(terminal.user().get(), &interrupt, 1), 1);
     waitForFile("interrupted");
     write("go", "");
     EXPECT_EQ(testsupport::waitFor(process), 4);
-    ::close(terminal);
 }
 
 TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
@@ -206,15 +200,15 @@ TEST_P(RunStatus, OrdinaryUsersRunCommandsToo)
     }
     const testsupport::SharedCopy shared(testsupport::tool("bsp-board").path);
     fs::permissions(fs::path(file("b")).parent_path(), fs::perms::all);
-    Program create = boardTool({"create", "theirs"});
-    create.path = shared.path();
-    create.prepare = testsupport::becomeOrdinaryUser;
-    expectOutput(create, "");
-    Program program =
-        boardTool({"run", "theirs", "sh", "-c", "id -u; echo x > /dev/shm/m; echo x > /tmp/f"});
-    program.path = shared.path();
-    program.prepare = testsupport::becomeOrdinaryUser;
-    expectOutput(program, "65534\n");
+    const auto boardToolOfOthers = [&](const Words& words) {
+        Program program = prepared(boardTool(words), testsupport::becomeOrdinaryUser);
+        program.path = shared.path();
+        return program;
+    };
+    expectOutput(boardToolOfOthers({"create", "theirs"}), "");
+    expectOutput(boardToolOfOthers(
+                     {"run", "theirs", "sh", "-c", "id -u; echo x > /dev/shm/m; echo x > /tmp/f"}),
+                 "65534\n");
     EXPECT_EQ(contents("theirs/shm/m"), "x\n");
     EXPECT_EQ(contents("theirs/tmp/f"), "x\n");
 }

@@ -98,9 +98,9 @@ TEST_F(SetSlot, FailsAsEveryCommandDoes)
     testsupport::Program set = boardTool({"set", "b", "slot", "5"});
     set.environment["PATH"] = file("bin");
     EXPECT_EQ(set.run(),
-              testsupport::refusal("bsp-board: cannot separate a board from the host, which takes "
-                                   "namespaces or ptrace: bubblewrap is not installed; proot is "
-                                   "refused here (proot: no)\n"));
+              testsupport::refusal(
+                  "bsp-board: cannot separate a board from the host, which takes namespaces or "
+                  "ptrace: bubblewrap is not installed; proot is refused here (proot: no)\n"));
 }
 
 TEST_F(Set, StoresSettings)
@@ -127,12 +127,11 @@ TEST_F(Set, StoresAnythingOnRequest)
 
 TEST_F(Set, TakesNoTypingErrors)
 {
-    expectMisuse({"radiolinkMode", "Rl5"},
-                 "there is no setting 'radiolinkMode'; it can be slot, RadiolinkMode or "
-                 "FpgaVariant, or with --any any other");
-    expectMisuse({"RadiolinkMode", "rl5"},
-                 "'rl5' is no value of RadiolinkMode; it can be Rl4 or Rl5, or with --any any "
-                 "other");
+    expectMisuse({"radiolinkMode", "Rl5"}, "there is no setting 'radiolinkMode'; it can be slot, "
+                                           "RadiolinkMode or FpgaVariant, or with --any any other");
+    expectMisuse(
+        {"RadiolinkMode", "rl5"},
+        "'rl5' is no value of RadiolinkMode; it can be Rl4 or Rl5, or with --any any other");
     expectMisuse({"FpgaVariant", ""}, "'' is no value of FpgaVariant; it can be TwoTdm or "
                                       "OneTdmRleEqpNoMlhc, or with --any any other");
     for (const std::string slotId : {"five", "5x", "", "2147483648", "0x5", " 5"}) {

@@ -163,6 +163,12 @@ Program programAt(const std::string& path, std::vector<std::string> arguments)
     return program;
 }
 
+Program prepared(Program program, std::function<void()> prepare)
+{
+    program.prepare = std::move(prepare);
+    return program;
+}
+
 void expectGolden(const Program& program, const std::vector<Golden>& table)
 {
     for (const Golden& row : table) {

@@ -1,5 +1,5 @@
-#ifndef TESTS_PLATFORM_NODES_H
-#define TESTS_PLATFORM_NODES_H
+#ifndef TESTS_SUPPORT_NODES_H
+#define TESTS_SUPPORT_NODES_H
 
 #include "FileDescriptor.h"
 
