@@ -69,6 +69,7 @@ protected:
     /** What check finds: its lines, with what differs from run to run as TIME, N and BOARD. */
     Words findings() const { return findings(diag({"check"})); }
     Words findings(const testsupport::Program& program) const;
+    void expectFindings(const Words& lines) const { EXPECT_EQ(findings(), lines); }
     /** The names of the findings. */
     Words names() const { return namesIn(findings()); }
     static Words namesIn(const Words& lines);

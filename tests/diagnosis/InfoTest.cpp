@@ -67,8 +67,7 @@ TEST_F(Info, SaysWhyItDoesNotKnow)
           "file or directory\n",
           "Slot id              unknown: programs are told -1, of a private area: cannot open "
           "BOARD/top.dtcm0: No such file or directory\n",
-          "Warm area            unknown: cannot open BOARD/top.dtcm0: No such file or "
-          "directory\n"})
+          "Warm area            unknown: cannot open BOARD/top.dtcm0: No such file or directory\n"})
     {
         EXPECT_THAT(text, HasSubstr(line));
     }

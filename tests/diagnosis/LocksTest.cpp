@@ -25,10 +25,10 @@ protected:
 
 TEST_F(Locks, AreNotFoundOnAHealthyBoard)
 {
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
     const StoreUser first(board(), {"slot", "5", "object", "LINK"});
     const StoreUser second(board(), {"object", "OTHER"});
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
 }
 
 TEST_F(Locks, NamesASemaphoreWhoseHolderWasKilledAndTheCure)
@@ -64,7 +64,7 @@ TEST_F(Locks, NamesASemaphoreWhoseHolderWasKilledAndTheCure)
     ::kill(waiting, SIGKILL);
     testsupport::waitFor(waiting);
     EXPECT_EQ(diag(cure).run().status, 0);
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
     EXPECT_EQ(tool("bsp", {"getSlotId"}).run().out, "-1\n");
 }
 
@@ -80,9 +80,7 @@ TEST_F(Locks, NamesWhatNobodyUses)
         GTEST_SKIP() << reason;
     }
     leaveNames();
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("semaphore-unused: no living process uses the semaphore of the warm area. "
+    expectFindings({"semaphore-unused: no living process uses the semaphore of the warm area. "
                     "Evidence: /dev/shm/sem.DtcmDbSharedSem, " +
                         Names +
                         ". Follows: the program that made it was killed: nobody decides about the "
@@ -93,7 +91,7 @@ TEST_F(Locks, NamesWhatNobodyUses)
                         Names +
                         ". Follows: the program that made them was killed: the next ones take "
                         "them as they are, held or not. Cure: bsp-diag repair --yes "
-                        "DtcmDbSharedSem DtcmSync"));
+                        "DtcmDbSharedSem DtcmSync"});
 }
 
 TEST_F(Locks, NamesModesThatAUmaskHasCut)
@@ -117,17 +115,15 @@ TEST_F(Locks, NamesTwoGenerationsOfTheNames)
     first.end();
     EXPECT_THAT(names(), ElementsAre("semaphore-former", "mutexes-former"));
     const StoreUser third(board(), {"open"});
-    EXPECT_THAT(
-        findings(),
-        ElementsAre(
-            "semaphore-former: living processes use a semaphore that has lost its name. Evidence: "
-            "without a name: PROCESS (N, since TIME); of that name: PROCESS (N, since TIME). "
-            "Follows: old and new programs do not exclude each other on the warm area. Cure: "
-            "restart PROCESS (N, since TIME)",
-            "mutexes-former: living processes use mutexes that have lost their name. Evidence: "
-            "without a name: PROCESS (N, since TIME); of that name: PROCESS (N, since TIME). "
-            "Follows: old and new programs do not exclude each other on the objects. Cure: restart "
-            "PROCESS (N, since TIME)"));
+    expectFindings(
+        {"semaphore-former: living processes use a semaphore that has lost its name. Evidence: "
+         "without a name: PROCESS (N, since TIME); of that name: PROCESS (N, since TIME). "
+         "Follows: old and new programs do not exclude each other on the warm area. Cure: "
+         "restart PROCESS (N, since TIME)",
+         "mutexes-former: living processes use mutexes that have lost their name. Evidence: "
+         "without a name: PROCESS (N, since TIME); of that name: PROCESS (N, since TIME). "
+         "Follows: old and new programs do not exclude each other on the objects. Cure: restart "
+         "PROCESS (N, since TIME)"});
 }
 
 TEST_F(Locks, NamesTheMakerOfASemaphoreThatWasRemoved)
@@ -148,7 +144,7 @@ TEST_F(Locks, TakesNoGenerationOfAnotherBoardForItsOwn)
     StoreUser first(other, {"open"});
     const StoreUser second(other, {"open"});
     first.end();
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
 }
 
 TEST_F(Locks, NamesNamesOfAnotherSize)
@@ -173,22 +169,19 @@ TEST_F(Locks, NamesWhoHoldsTheMutexOfABlock)
     const StoreUser user(board(), {"object", "FIRST"});
     StoreUser holder(board(), {"lock", "LINK"});
     const std::string id = std::to_string(holder.id());
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("mutex-held: a living thread holds the mutex of a block. Evidence: block 2 "
+    expectFindings({"mutex-held: a living thread holds the mutex of a block. Evidence: block 2 "
                     "(LINK), at every look: thread " +
                     id +
                     " of PROCESS (N, since TIME). Follows: who locks the object waits for it. "
                     "Cure: see why that thread does not go on; end its process only where the "
-                    "state of the object does not matter, since the mutex stays held"));
+                    "state of the object does not matter, since the mutex stays held"});
     holder.kill();
-    EXPECT_THAT(findings(),
-                ElementsAre("mutex-dead: the mutex of a block is held by no living thread. "
-                            "Evidence: block 2 (LINK): thread " +
-                            id +
-                            ", which does not exist. Follows: who locks the object waits for "
-                            "ever" +
-                            EndAndRepair));
+    expectFindings({"mutex-dead: the mutex of a block is held by no living thread. "
+                    "Evidence: block 2 (LINK): thread " +
+                    id +
+                    ", which does not exist. Follows: who locks the object waits for "
+                    "ever" +
+                    EndAndRepair});
 }
 
 TEST_F(Locks, NamesWhoHoldsTheMutexOfTheSlotId)
@@ -198,18 +191,16 @@ TEST_F(Locks, NamesWhoHoldsTheMutexOfTheSlotId)
     const std::string id = std::to_string(holder.id());
     const std::string waits =
         ". Follows: getSlotId and setSlotId wait for ever, in every program. Cure: ";
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("slot-mutex-held: a living thread holds the mutex of the slot id. Evidence: at "
+    expectFindings({"slot-mutex-held: a living thread holds the mutex of the slot id. Evidence: at "
                     "every look: thread " +
                     id + " of PROCESS (N, since TIME)" + waits +
                     "see why that thread does not go on; when its process is ended, the mutex "
-                    "stays held until a cold restart clears the area"));
+                    "stays held until a cold restart clears the area"});
     holder.kill();
-    EXPECT_THAT(findings(), ElementsAre("slot-mutex-dead: the mutex of the slot id is held by no "
-                                        "living thread. Evidence: thread " +
-                                        id + ", which does not exist" + waits +
-                                        "restart the board cold, which clears the area"));
+    expectFindings({"slot-mutex-dead: the mutex of the slot id is held by no "
+                    "living thread. Evidence: thread " +
+                    id + ", which does not exist" + waits +
+                    "restart the board cold, which clears the area"});
 }
 
 TEST_F(Locks, NamesASlotIdWhoseMutexWasHeldOverARestart)
@@ -219,16 +210,14 @@ TEST_F(Locks, NamesASlotIdWhoseMutexWasHeldOverARestart)
     holder.kill();
     fs::remove(Semaphore);
     fs::remove(Mutexes);
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("slot-mutex-before-restart: the mutex of the slot id was held when the board "
+    expectFindings({"slot-mutex-before-restart: the mutex of the slot id was held when the board "
                     "restarted. Evidence: thread " +
                     id +
                     ", which does not exist; the last restart was of type Warm, and since then "
                     "nobody has used the store. Follows: getSlotId and setSlotId wait for ever, "
-                    "in every program. Cure: restart the board cold, which clears the area"));
+                    "in every program. Cure: restart the board cold, which clears the area"});
     setResetCause(0); // a cold one: the first program will clear the area
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
 }
 
 TEST_F(Locks, TakesNoOtherProcessForAHolder)
@@ -256,15 +245,13 @@ TEST_F(Locks, NamesASlotIdOfAnotherWordSize)
     std::string object(48, '\0');
     object.replace(is64 ? 16 : 24, 4, word(0x80));
     putBlock(1, "SLOT", object);
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("slot-word-size: the object with the slot id was made by a program of another "
+    expectFindings({"slot-word-size: the object with the slot id was made by a program of another "
                     "word size. Evidence: block 1: " +
                     std::string(is64 ? "32-bit, programs here are 64-bit"
                                      : "64-bit, programs here are 32-bit") +
                     ". Follows: programs take other bytes for its mutex: they do not exclude each "
                     "other, or wait for ever. Cure: restart the board cold, which clears the "
-                    "area"));
+                    "area"});
 }
 
 TEST_F(Locks, TakesNothing)
@@ -272,7 +259,7 @@ TEST_F(Locks, TakesNothing)
     const StoreUser user(board(), {"slot", "5", "object", "LINK"});
     const std::string before = testsupport::readFile(boardFile("top.dtcm0")) +
                                testsupport::readFile(Semaphore) + testsupport::readFile(Mutexes);
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
     EXPECT_EQ(testsupport::readFile(boardFile("top.dtcm0")) + testsupport::readFile(Semaphore) +
                   testsupport::readFile(Mutexes),
               before);
@@ -280,7 +267,7 @@ TEST_F(Locks, TakesNothing)
 
 TEST_F(Locks, CreatesNothing)
 {
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
     EXPECT_TRUE(fs::is_empty("/dev/shm"));
     fs::remove_all(board());
     EXPECT_EQ(diag({"check"}).run().status, 1);

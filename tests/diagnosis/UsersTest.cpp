@@ -47,13 +47,11 @@ protected:
     /** bsp-diag for somebody from whom the system hides other users' processes. */
     testsupport::Program diagWithHidden(Words words, const char* option) const
     {
-        testsupport::Program program = diagOfOrdinaryUser(std::move(words));
-        const auto becomeUser = program.prepare;
-        program.prepare = [becomeUser, option] {
+        const testsupport::Program program = diagOfOrdinaryUser(std::move(words));
+        return prepared(program, [becomeUser = program.prepare, option] {
             replaceProc("proc", option);
             becomeUser();
-        };
-        return program;
+        });
     }
 };
 
@@ -98,9 +96,7 @@ TEST_F(UsersOfNames, AreNotTakenForNobodyWhereNoneCanBeSeen)
     }
     StoreUser(board(), {"open"}).kill();
     const auto withoutProc = [this](Words words) {
-        testsupport::Program program = diag(std::move(words));
-        program.prepare = [] { replaceProc("tmpfs", ""); };
-        return program.run();
+        return prepared(diag(std::move(words)), [] { replaceProc("tmpfs", ""); }).run();
     };
     const testsupport::Outcome found = withoutProc({"check"});
     if (found.status == CannotMount) {
@@ -120,7 +116,7 @@ TEST_F(UsersOfNames, AreUsersWhenTheirFirstThreadHasEnded)
         GTEST_SKIP() << "the emulator's first thread does not end";
     }
     const StoreUser user(board(), {"slot", "5", "leave"});
-    EXPECT_THAT(findings(), IsEmpty());
+    expectFindings({});
     EXPECT_EQ(diag({"repair", "--yes", "DtcmSync"}).run().status, 1);
     EXPECT_TRUE(fs::exists(Mutexes));
 }
@@ -140,19 +136,16 @@ TEST_F(UsersOfNames, AreNotLookedForWhereThereIsSomethingElse)
 {
     const auto expect = [this](const std::string& kind) {
         const std::string remove = " is " + kind + ". Follows: programs ";
-        EXPECT_THAT(
-            findings(),
-            ElementsAre(
-                "semaphore-link: in the place of the semaphore of the warm area there is something "
-                "else. Evidence: /dev/shm/sem.DtcmDbSharedSem, " +
-                    Names + remove +
-                    "work on the warm area without any lock. Cure: remove "
-                    "/dev/shm/sem.DtcmDbSharedSem",
-                "mutexes-link: in the place of the mutexes of the blocks there is something else. "
-                "Evidence: /dev/shm/DtcmSync, " +
-                    Names + remove +
-                    "have mutexes of their own, which exclude nobody, or crash when they use "
-                    "them. Cure: remove /dev/shm/DtcmSync"));
+        expectFindings({"semaphore-link: in the place of the semaphore of the warm area there is "
+                        "something else. Evidence: /dev/shm/sem.DtcmDbSharedSem, " +
+                            Names + remove +
+                            "work on the warm area without any lock. Cure: remove "
+                            "/dev/shm/sem.DtcmDbSharedSem",
+                        "mutexes-link: in the place of the mutexes of the blocks there is "
+                        "something else. Evidence: /dev/shm/DtcmSync, " +
+                            Names + remove +
+                            "have mutexes of their own, which exclude nobody, or crash when they "
+                            "use them. Cure: remove /dev/shm/DtcmSync"});
         fs::remove(Semaphore);
         fs::remove(Mutexes);
     };
