@@ -137,9 +137,8 @@ Answer plainAnswer(const std::string& contents)
 TEST(KernelBanner, IsReadByThePlainRulesInAnyKernel)
 {
     // Separated by bars.
-    std::istringstream list(
-        "Linux version|Linux version |Linux|L|Lin| version| |n|x|.|R1A01|12|+|-|"
-        "1.|2.3.|4.5.6.R|\n|versio");
+    std::istringstream list("Linux version|Linux version |Linux|L|Lin| version| "
+                            "|n|x|.|R1A01|12|+|-|1.|2.3.|4.5.6.R|\n|versio");
     std::vector<std::string> pieces;
     for (std::string piece; std::getline(list, piece, '|');) {
         pieces.push_back(piece);

@@ -1,5 +1,6 @@
 #include "FirmwareImages.h"
 #include "KernelQuery.h"
+#include "RealImages.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
@@ -20,8 +21,6 @@ using recordingtrace::takeLines;
 using namespace testing;
 using namespace testsupport;
 
-const std::string realImage = std::string(BSP_TEST_DATA_DIR) + "/zImage-2.6.34.R1A01";
-
 /** The number that the next opened descriptor gets. */
 std::string nextDescriptor()
 {
@@ -33,21 +32,8 @@ std::string nextDescriptor()
 TEST(KernelRState, TracesAllStepsOnARealKernel)
 {
     const std::string fd = nextDescriptor();
-    EXPECT_EQ(askFile(realImage), found("R1A01"));
-
-    std::vector<std::string> expected{
-        "bsp.core 6 ENTER Bsp_getKernelRState(" + realImage + ")",
-        "bsp.core 6 ENTER Bsp_findArchive(fd=" + fd + ")",
-        "bsp.core 7 Bsp_readHelper(): Read 65536 bytes",
-        headerAt(18337),
-        "bsp.core 6 ENTER Bsp_inflateArchive(fd=" + fd + ")",
-    };
-    // 513376 bytes, of which the first 18337 are no part of the stream.
-    expected.insert(expected.end(), 30, "bsp.core 7 Bsp_readHelper(): Read 16384 bytes");
-    expected.insert(expected.end(), {"bsp.core 7 Bsp_readHelper(): Read 3519 bytes",
-                                     "bsp.core 7 Bsp_readHelper(): Read 0 bytes", inflated,
-                                     "bsp.core 6 ENTER Bsp_findLinuxVersion()"});
-    EXPECT_THAT(takeLines(), ElementsAreArray(expected));
+    EXPECT_EQ(askFile(realKernel), found("R1A01"));
+    EXPECT_EQ(takeLines(), courseOfRealKernel(fd));
     EXPECT_FALSE(temporaryImageExists());
 }
 
@@ -232,10 +218,10 @@ TEST(KernelRState, ReadsNothingOfASparseImageButItsBeginning)
 TEST(KernelRState, FormatsNothingWhileTheChannelIsOff)
 {
     recordingtrace::setLevel("bsp.core", 0);
-    EXPECT_EQ(askFile(realImage), found("R1A01"));
+    EXPECT_EQ(askFile(realKernel), found("R1A01"));
     EXPECT_EQ(askFile("/no/such/image"), failed());
     recordingtrace::setActive("bsp.core", false);
-    EXPECT_EQ(askFile(realImage), found("R1A01"));
+    EXPECT_EQ(askFile(realKernel), found("R1A01"));
     EXPECT_EQ(askFile("/no/such/image"), failed());
     recordingtrace::setActive("bsp.core", true);
     EXPECT_THAT(takeLines(), IsEmpty());

@@ -75,12 +75,19 @@ protected:
     }
 };
 
-TEST_F(KernelWaiting, ForACallThatEndsInTime)
+/** There is another user's file, and a clock that goes on while it is waited for. */
+class KernelWaitingForAnother : public KernelWaiting
 {
+protected:
+    KernelWaitingForAnother() { beAnotherUser(); }
+
     FakeTime time;
-    beAnotherUser();
-    forbidRemoving();
     const SomebodysFile his;
+};
+
+TEST_F(KernelWaitingForAnother, ForACallThatEndsInTime)
+{
+    forbidRemoving();
     his.lock();
     time.whileAsleep = [&] {
         if (time.passed() >= seconds(9) && temporaryImageExists()) {
@@ -92,12 +99,9 @@ TEST_F(KernelWaiting, ForACallThatEndsInTime)
     EXPECT_THAT(time.passed(), AllOf(Ge(seconds(9)), Le(milliseconds(9010))));
 }
 
-TEST_F(KernelWaiting, EndsAfterTenSeconds)
+TEST_F(KernelWaitingForAnother, EndsAfterTenSeconds)
 {
-    FakeTime time;
-    beAnotherUser();
     forbidRemoving();
-    const SomebodysFile his;
     his.lock();
     expectNoTemporaryFile();
     time.expectTenSeconds();
@@ -106,11 +110,8 @@ TEST_F(KernelWaiting, EndsAfterTenSeconds)
     expectItIsStillThere(his);
 }
 
-TEST_F(KernelWaiting, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
+TEST_F(KernelWaitingForAnother, EndsAfterTenSecondsForOneWhoMayReplaceTheFile)
 {
-    FakeTime time;
-    beAnotherUser();
-    const SomebodysFile his;
     his.lock();
     EXPECT_EQ(askAgain(), found("R1A01"));
     time.expectTenSeconds();
@@ -155,12 +156,9 @@ TEST_F(KernelWaiting, EndsHoweverOftenSomebodyElseLocksFirst)
     EXPECT_THAT(takeLines(Course), ElementsAre(headerAt1000, noTemporaryFile));
 }
 
-TEST_F(KernelWaiting, IsForALeaseToo)
+TEST_F(KernelWaitingForAnother, IsForALeaseToo)
 {
     // The open fails as the lock of another does.
-    FakeTime time;
-    beAnotherUser();
-    const SomebodysFile his;
     hooks().open = [](const char* path, int flags, mode_t mode) {
         const bool hasLease = path == std::string(TemporaryImage) && (flags & O_CREAT) == 0;
         return hasLease ? fail(EWOULDBLOCK) : real().open(path, flags, mode);
@@ -170,33 +168,24 @@ TEST_F(KernelWaiting, IsForALeaseToo)
     EXPECT_EQ(his.contents(), planted);
 }
 
-TEST_F(KernelWaiting, IsNotForAFileThatNobodyUses)
+TEST_F(KernelWaitingForAnother, IsNotForAFileThatNobodyUses)
 {
-    FakeTime time;
-    beAnotherUser();
-    const SomebodysFile his;
     EXPECT_EQ(askAgain(), found("R1A01"));
     EXPECT_EQ(time.sleeps(), 0);
     EXPECT_EQ(his.contents(), planted);
 }
 
-TEST_F(KernelWaiting, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
+TEST_F(KernelWaitingForAnother, IsShortForAFileThatNobodyUsesNorMayBeReplaced)
 {
-    FakeTime time;
-    beAnotherUser();
     forbidRemoving();
-    const SomebodysFile his;
     expectNoTemporaryFile();
     EXPECT_THAT(time.passed(), AllOf(Ge(milliseconds(500)), Le(seconds(1))));
     expectItIsStillThere(his);
 }
 
-TEST_F(KernelWaiting, IsForAFileThatIsBeingMade)
+TEST_F(KernelWaitingForAnother, IsForAFileThatIsBeingMade)
 {
-    FakeTime time;
-    beAnotherUser();
     forbidRemoving();
-    const SomebodysFile his;
     bool isLocked = false;
     time.whileAsleep = [&] {
         // His process has not had its turn before.

@@ -34,6 +34,12 @@ std::string error(const std::string& text)
     return "bsp.core 1 Bsp_getUbootProductInfo(): " + text;
 }
 
+void expectError(const Answer& answer, const std::string& text)
+{
+    EXPECT_EQ(answer, failed);
+    EXPECT_THAT(takeLines(), ElementsAre(error(text)));
+}
+
 class UbootFaults : public Test
 {
 protected:
@@ -83,9 +89,7 @@ TEST_F(UbootFaults, ReportsADeviceThatCannotBePositioned)
     hooks().lseek = [](int fd, off_t offset, int whence) {
         return whence == SEEK_SET ? fail<off_t>(EIO) : real().lseek(fd, offset, whence);
     };
-    EXPECT_EQ(ask("x"), failed);
-    EXPECT_THAT(takeLines(),
-                ElementsAre(error("Failed to set file offset. errno = Input/output error")));
+    expectError(ask("x"), "Failed to set file offset. errno = Input/output error");
 }
 
 TEST_F(UbootFaults, ReportsADeviceThatCannotBeRead)
@@ -144,8 +148,7 @@ TEST_F(UbootFaults, ReportsASparseImageLargerThanMemory)
 {
     writeFile(directory.file("u-boot"), "Product number: PN-1");
     std::filesystem::resize_file(directory.file("u-boot"), std::uintmax_t{1} << 42U);
-    EXPECT_EQ(askFile(directory.file("u-boot")), failed);
-    EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 4398046511105 bytes")));
+    expectError(askFile(directory.file("u-boot")), "Failed to allocate 4398046511105 bytes");
 }
 
 TEST_F(UbootFaults, ReportsAnImageLargerThanAllMemoryThatTheMachineHas)

@@ -1,4 +1,5 @@
 #include "FirmwareImages.h"
+#include "RealImages.h"
 #include "RecordingTrace.h"
 #include "UbootQuery.h"
 
@@ -21,16 +22,8 @@ const std::string parsing = "bsp.core 6 Bsp_getUbootProductInfo(): Start parsing
 
 TEST(UbootProductInfo, TracesAllStepsOnARealBootLoader)
 {
-    EXPECT_EQ(askFile(std::string(BSP_TEST_DATA_DIR) + "/u-boot-R2B.bin"),
-              (Answer{0, "PN-4402/17", "R2B"}));
-    EXPECT_THAT(
-        takeLines(),
-        ElementsAre(
-            "bsp.core 7 Bsp_readHelper(): Read 789972 bytes", parsing,
-            "bsp.core 6 Bsp_getUbootProductInfo(): \"Product number: \" found at offset 539561",
-            "bsp.core 5 Bsp_getUbootProductInfo(): Product number = PN-4402/17",
-            "bsp.core 6 Bsp_getUbootProductInfo(): \"R-state: \" found at offset 539588",
-            "bsp.core 5 Bsp_getUbootProductInfo(): R-state = R2B"));
+    EXPECT_EQ(askFile(firmware::realBootLoader), (Answer{0, "PN-4402/17", "R2B"}));
+    EXPECT_EQ(takeLines(), firmware::courseOfRealBootLoader());
 }
 
 TEST(UbootProductInfo, IsWhatStandsBehindTheLabels)
