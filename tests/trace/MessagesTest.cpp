@@ -1,4 +1,5 @@
 #include "ErrnoText.h"
+#include "GroupedDigits.h"
 #include "GtMessage.h"
 #include "HvxMessage.h"
 #include "MessageText.h"
@@ -8,7 +9,6 @@
 
 #include <cerrno>
 #include <climits>
-#include <locale>
 #include <thread>
 
 namespace
@@ -269,18 +269,10 @@ TEST(MessageText, GrowsWithWhatItTakes)
     EXPECT_FALSE(text.isLost());
 }
 
-class Thousands : public std::numpunct<char>
-{
-    char do_thousands_sep() const override { return ','; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(MessageText, WritesNumbersTheSameInAllLocales)
 {
-    const std::locale before =
-        std::locale::global(std::locale(std::locale(), new Thousands)); // NOLINT(*-owning-memory)
+    const testsupport::GroupedDigits digits;
     EXPECT_EQ(textOf(1009, ' ', 1234567U, ' ', -1000000000L), "1009 1234567 -1000000000");
-    std::locale::global(before);
 }
 
 } // namespace

@@ -114,9 +114,8 @@ TEST(FreeBlocks, AreCountedInTheWholeTable)
     takeLines();
     systemcalls::take();
     EXPECT_EQ(database.getNumberOfFreeBlocks(), 28U);
-    EXPECT_THAT(takeLines(),
-                ElementsAre(prefix + "5 getNumberOfFreeBlocks(): Max number of blocks available: "
-                                     "32, Number of free blocks: 28"));
+    EXPECT_THAT(takeLines(), ElementsAre(prefix + "5 getNumberOfFreeBlocks(): Max number of blocks "
+                                                  "available: 32, Number of free blocks: 28"));
     EXPECT_THAT(systemcalls::take(), IsEmpty()) << "the semaphore is not taken";
 }
 

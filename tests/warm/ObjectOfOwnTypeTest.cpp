@@ -36,9 +36,8 @@ std::vector<std::string> alarmLines()
     return recordingtrace::takeLinesOf("test.alarms");
 }
 
-const std::string retrieved =
-    "test.alarms 5 obtainAlarms(): The ALARMS object was successfully retrieved from the warm "
-    "database";
+const std::string retrieved = "test.alarms 5 obtainAlarms(): The ALARMS object was successfully "
+                              "retrieved from the warm database";
 
 TEST(ObjectOfOwnType, BeginsWithTheInitialValue)
 {
@@ -46,9 +45,8 @@ TEST(ObjectOfOwnType, BeginsWithTheInitialValue)
     WarmObject<Alarms>* const alarms = obtainAlarms();
     ASSERT_NE(alarms, nullptr);
     EXPECT_THAT(alarmLines(),
-                ElementsAre(retrieved,
-                            "test.alarms 5 obtainAlarms(): The ALARMS object was created, "
-                            "initializing the object contents"));
+                ElementsAre(retrieved, "test.alarms 5 obtainAlarms(): The ALARMS object was "
+                                       "created, initializing the object contents"));
     EXPECT_EQ(alarms->value.count, 1);
     EXPECT_STREQ(alarms->value.last, "none");
     const auto guard = alarms->lock();

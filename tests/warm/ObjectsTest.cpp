@@ -1,7 +1,7 @@
+#include "GroupedDigits.h"
 #include "ObjectsFixture.h"
 
 #include <algorithm>
-#include <locale>
 
 namespace
 {
@@ -32,19 +32,11 @@ TEST_F(Validation, RefusesALongName)
     EXPECT_THAT(takeLines(), ElementsAre(tooLong(name)));
 }
 
-/** Groups digits, as a program may want its own numbers to be. */
-class Thousands : public std::numpunct<char>
-{
-    char do_thousands_sep() const override { return ','; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 TEST_F(Validation, ReportsNumbersTheSameInAllLocales)
 {
     WarmDatabase& database = open();
-    const std::locale before = std::locale::global(std::locale(std::locale(), new Thousands));
+    const testsupport::GroupedDigits digits;
     EXPECT_FALSE(database.validateObject("A", 1009));
-    std::locale::global(before);
     EXPECT_THAT(takeLines(), ElementsAre(tooLarge(1009)));
 }
 

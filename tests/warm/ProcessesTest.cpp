@@ -77,9 +77,7 @@ void storm()
 TEST(Processes, OfDifferentProgramsShareAnObject)
 {
     WarmProcess writer(nxu4("0"));
-    EXPECT_EQ(writer.ask("get SHARED 64"), "created");
-    EXPECT_EQ(writer.ask("write hello"), "ok");
-    EXPECT_EQ(writer.ask("setslot 12"), "ok");
+    writer.expect({{"get SHARED 64", "created"}, {"write hello", "ok"}, {"setslot 12", "ok"}});
     EXPECT_EQ(read(nxu4("0"), "SHARED"), answer("hello\n12\n"));
     EXPECT_EQ(writer.exit(), 0);
     EXPECT_FALSE(namesExist());
@@ -92,22 +90,18 @@ TEST(Processes, ExcludeEachOtherWithABlocksMutex)
     WarmProcess second(nxu4("1"));
     EXPECT_EQ(second.ask("get A 8"), "found");
     EXPECT_EQ(first.ask("try"), "ok");
-    EXPECT_EQ(second.ask("try"), "busy");
-    EXPECT_EQ(second.ask("get B 8"), "created");
+    second.expect({{"try", "busy"}, {"get B 8", "created"}});
     EXPECT_EQ(second.ask("try"), "ok") << "each block has a mutex of its own";
     EXPECT_EQ(first.ask("unlock"), "ok");
-    EXPECT_EQ(second.ask("get A 8"), "found");
-    EXPECT_EQ(second.ask("try"), "ok");
+    second.expect({{"get A 8", "found"}, {"try", "ok"}});
 }
 
 TEST(Processes, FindAHeldMutexHeld)
 {
     WarmProcess holder(nxu4("1"));
-    EXPECT_EQ(holder.ask("get A 8"), "created");
-    EXPECT_EQ(holder.ask("try"), "ok");
+    holder.expect({{"get A 8", "created"}, {"try", "ok"}});
     WarmProcess later(nxu4("1"));
-    EXPECT_EQ(later.ask("get A 8"), "found");
-    EXPECT_EQ(later.ask("try"), "busy");
+    later.expect({{"get A 8", "found"}, {"try", "busy"}});
 }
 
 TEST(Processes, StartingTogetherCreateAnObjectOnce)
@@ -143,8 +137,7 @@ void expectPrivateStores(const Board& board, const std::string& message)
     WarmProcess first(board);
     EXPECT_EQ(first.ask("get A 64"), "created");
     EXPECT_EQ(first.ask("errors"), message);
-    EXPECT_EQ(first.ask("setslot 3"), "ok");
-    EXPECT_EQ(first.ask("slot"), "3");
+    first.expect({{"setslot 3", "ok"}, {"slot", "3"}});
     WarmProcess second(board);
     EXPECT_EQ(second.ask("free"), "32");
     EXPECT_EQ(second.ask("errors"), message);
@@ -177,8 +170,7 @@ TEST(FailingStart, WithoutASemaphore)
     EXPECT_EQ(first.ask("write shared"), "ok");
     WarmProcess second(nxu4("0"));
     EXPECT_EQ(second.ask("get A 64"), "found") << "nobody decides about the area";
-    EXPECT_EQ(second.ask("read"), "shared");
-    EXPECT_EQ(second.ask("hold"), "ok");
+    second.expect({{"read", "shared"}, {"hold", "ok"}});
     EXPECT_EQ(first.ask("hold"), "ok") << "there is no lock";
 }
 

@@ -10,7 +10,6 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <cstring>
 #include <functional>
 #include <mutex>
 #include <system_error>

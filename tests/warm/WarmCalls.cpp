@@ -88,32 +88,33 @@ int initMutex(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes)
     return real().pthread_mutex_init(mutex, attributes);
 }
 
+/** Records the calls of a function, with what describes their arguments. */
+template <typename... Arguments, typename Describe>
+void record(std::function<int(Arguments...)> systemcalls::Hooks::*function, const char* name,
+            const Describe& describe)
+{
+    systemcalls::hooks().*function = [=](Arguments... arguments) {
+        return fails(name, describe(arguments...)) ? -1 : (real().*function)(arguments...);
+    };
+}
+
 const bool areRecorded = [] {
-    systemcalls::Hooks& hooks = systemcalls::hooks();
+    using systemcalls::Hooks;
+    const auto nothing = [](sem_t* /*semaphore*/) { return std::string(); };
+    const auto theName = [](const char* name) { return std::string(name); };
+    record(&Hooks::sem_wait, "sem_wait", nothing);
+    record(&Hooks::sem_post, "sem_post", nothing);
+    record(&Hooks::sem_close, "sem_close", nothing);
+    record(&Hooks::sem_unlink, "sem_unlink", theName);
+    record(&Hooks::shm_open, "shm_open", [](const char* name, int flags, mode_t mode) {
+        return name + openFlags(flags) + octal(mode);
+    });
+    record(&Hooks::shm_unlink, "shm_unlink", theName);
+    record(&Hooks::ftruncate, "ftruncate", [](int, off_t size) { return to_string(size); });
+    record(&Hooks::access, "access",
+           [](const char* path, int mode) { return std::string(path) + ' ' + to_string(mode); });
+    Hooks& hooks = systemcalls::hooks();
     hooks.sem_open = openSemaphore;
-    hooks.sem_wait = [](sem_t* semaphore) {
-        return fails("sem_wait") ? -1 : real().sem_wait(semaphore);
-    };
-    hooks.sem_post = [](sem_t* semaphore) {
-        return fails("sem_post") ? -1 : real().sem_post(semaphore);
-    };
-    hooks.sem_close = [](sem_t* semaphore) {
-        return fails("sem_close") ? -1 : real().sem_close(semaphore);
-    };
-    hooks.sem_unlink = [](const char* name) {
-        return fails("sem_unlink", name) ? -1 : real().sem_unlink(name);
-    };
-    hooks.shm_open = [](const char* name, int flags, mode_t mode) {
-        return fails("shm_open", name + openFlags(flags) + octal(mode))
-                   ? -1
-                   : real().shm_open(name, flags, mode);
-    };
-    hooks.shm_unlink = [](const char* name) {
-        return fails("shm_unlink", name) ? -1 : real().shm_unlink(name);
-    };
-    hooks.ftruncate = [](int fd, off_t size) {
-        return fails("ftruncate", to_string(size)) ? -1 : real().ftruncate(fd, size);
-    };
     hooks.mmap = map;
     hooks.munmap = [](void* address, std::size_t size) {
         // What counts coverage unmaps something before the layer maps anything.
@@ -124,11 +125,6 @@ const bool areRecorded = [] {
         return fails("calloc", to_string(count * size)) ? nullptr : real().calloc(count, size);
     };
     hooks.pthread_mutex_init = initMutex;
-    hooks.access = [](const char* path, int mode) {
-        return fails("access", std::string(path) + ' ' + to_string(mode))
-                   ? -1
-                   : real().access(path, mode);
-    };
     return true;
 }();
 

@@ -2,6 +2,8 @@
 
 #include "Program.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <csignal>
 #include <stdexcept>
@@ -73,6 +75,13 @@ std::string WarmProcess::ask(const std::string& command)
 {
     tell(command);
     return answer();
+}
+
+void WarmProcess::expect(const std::vector<std::pair<std::string, std::string>>& talk)
+{
+    for (const auto& [command, expected] : talk) {
+        EXPECT_EQ(ask(command), expected) << command;
+    }
 }
 
 void WarmProcess::tell(const std::string& command)

@@ -7,6 +7,8 @@
 
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -30,6 +32,8 @@ public:
 
     /** Gives a command and waits for the answer. */
     std::string ask(const std::string& command);
+    /** Gives commands one after the other, and expects these answers. */
+    void expect(const std::vector<std::pair<std::string, std::string>>& talk);
     void tell(const std::string& command);
     std::string answer();
     /** Whether the answer to the last command comes within that time. */
