@@ -123,9 +123,7 @@ TEST(BspGroup, WritesItsListingLineByLine)
     // A packet socket keeps the writes apart.
     std::array<int, 2> sockets{};
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets.data()), 0);
-    Program program = bsp();
-    program.prepare = [&sockets] { ::dup2(sockets[1], STDOUT_FILENO); };
-    program.run();
+    prepared(bsp(), [&sockets] { ::dup2(sockets[1], STDOUT_FILENO); }).run();
     std::string text;
     std::array<char, 4096> packet{};
     for (ssize_t size = 0;
