@@ -107,7 +107,7 @@ const std::vector<Function>& functions()
         {"fstat", Fault::Fails, {EIO, ENOMEM, EOVERFLOW}, false},
         {"ftruncate", Fault::Fails, {EIO, EINTR, EPERM}, false},
         {"fwrite", Fault::Fails, {EIO, ENOSPC, EINTR}, true},
-        {"inflate", Fault::Gives, {Z_NEED_DICT, Z_DATA_ERROR, Z_MEM_ERROR}, false},
+        {"inflate", Fault::Gives, {Z_NEED_DICT, Z_DATA_ERROR, Z_MEM_ERROR, Z_BUF_ERROR}, false},
         {"inflateEnd", Fault::FailsDone, {0}, false},
         {"inflateInit2_", Fault::Gives, {Z_MEM_ERROR, Z_VERSION_ERROR, Z_STREAM_ERROR}, false},
         {"lseek", Fault::Fails, {EINVAL, ESPIPE, EOVERFLOW, EIO}, false},
