@@ -20,9 +20,9 @@ constexpr int Pos2 = RState::MaxMinorPos2;
 constexpr int Pos3 = RState::MaxMinorPos3;
 constexpr int Pos4 = RState::MaxMinorPos4;
 
-/** First minor that is written with so many letters. */
-constexpr std::array<std::int32_t, MaxLetters + 1> firstMinors{
-    0, 0, RState::MaxMinorSize1Char, RState::MaxMinorSize2Chars, RState::MaxMinorSize3Chars};
+/** First minor that is written with one letter, with two, and so on. */
+constexpr std::array<std::int32_t, MaxLetters> firstMinors{
+    0, RState::MaxMinorSize1Char, RState::MaxMinorSize2Chars, RState::MaxMinorSize3Chars};
 
 /** For each letter from A to Z the index of the first one of an alphabet that is not before it. */
 using Indexes = std::array<std::uint8_t, 'Z' - 'A' + 1>;
@@ -93,30 +93,30 @@ std::int32_t readLetters(const char*& text)
     constexpr std::array<std::int32_t, MaxLetters> sizes{RState::MaxMinorPos1, Pos2, Pos3, Pos4};
     std::int32_t number = 0;
     std::size_t letters = 0;
-    while (letters < MaxLetters && isUpper(*text)) {
+    do {
         const int index = indexOf(*text, alphabets[letters]);
         number = number * sizes[letters] + index;
         ++letters;
         ++text;
-    }
-    return firstMinors[letters] + number;
+    } while (letters < MaxLetters && isUpper(*text));
+    return firstMinors[letters - 1] + number;
 }
 
 char* writeLetters(char* text, std::int32_t minor)
 {
-    if (minor < firstMinors[2]) {
+    if (minor < firstMinors[1]) {
         *text++ = letterAt(minor, Outer);
-    } else if (minor < firstMinors[3]) {
-        const int rest = minor - firstMinors[2];
+    } else if (minor < firstMinors[2]) {
+        const int rest = minor - firstMinors[1];
         *text++ = letterAt(rest / Pos2, Outer);
         *text++ = letterAt(rest % Pos2, Inner);
-    } else if (minor < firstMinors[4]) {
-        const int rest = minor - firstMinors[3];
+    } else if (minor < firstMinors[3]) {
+        const int rest = minor - firstMinors[2];
         *text++ = letterAt(rest / (Pos3 * Pos2), Outer);
         *text++ = letterAt(rest / Pos3 % Pos2, Inner);
         *text++ = letterAt(rest % Pos3, Inner);
     } else {
-        const int rest = minor - firstMinors[4];
+        const int rest = minor - firstMinors[3];
         *text++ = letterAt(rest / (Pos4 * Pos3 * Pos2), Outer);
         *text++ = letterAt(rest / (Pos4 * Pos3) % Pos2, Inner);
         *text++ = letterAt(rest / Pos4 % Pos3, Inner);

@@ -17,7 +17,7 @@ constexpr bool isUpper(char character)
     return character >= 'A' && character <= 'Z';
 }
 
-/** The minor that the letters at the text's start encode; moves the text past the letters read. */
+/** The minor that the text's first letters, one at least, encode; moves the text past them. */
 std::int32_t readLetters(const char*& text);
 
 /** Writes the letters of a minor, at most four; returns the end of what it wrote. */
