@@ -62,12 +62,11 @@ const char* getBoardIdText()
 const char* getLatestBoardIdText()
 {
     const int product = static_cast<int>(getProductId());
-    int latest = -1;
     const char* text = UnknownBoard;
+    // The boards of a product stand in the order of their revisions.
     for (const BoardIdEntry& entry : Bsp_boardIdMap) {
         // Meant as it stands: the revision is masked, not shifted out, so only product 0 is found.
-        if ((entry.boardId & ~0xF) == product && entry.boardId > latest) {
-            latest = entry.boardId;
+        if ((entry.boardId & ~0xF) == product) {
             text = entry.text;
         }
     }
