@@ -28,11 +28,6 @@ void give(sem_t* semaphore)
     }
 }
 
-bool fits(const std::string& name, unsigned int objectSize)
-{
-    return name.size() <= MaxNameLength && objectSize <= MaxObjectSize;
-}
-
 std::mutex* syncSlot(unsigned char* slots, unsigned int index)
 {
     return slots == nullptr
@@ -166,7 +161,7 @@ bool WarmDatabase::getObjectData(const std::string& name, void** object, unsigne
     const SemLockGuard guard(m_dbSemaphore);
     const BlockTable table(m_mappedMemory);
     const ScanResult scan = table.scan(name);
-    if (scan.kind == ScanResult::Found && fits(name, objectSize)) {
+    if (scan.kind == ScanResult::Found && objectSize <= MaxObjectSize) {
         // Nobody changes the table meanwhile: one scan finds the block and its mutex.
         const bool isReported = Report::isWanted();
         if (isReported) {
