@@ -74,8 +74,9 @@ int Bsp_getKernelRState(const char* fileName, char* rstate, unsigned int size)
         TRACE_MESSAGE(bspTrace, trace::Error, "Could not open tmp file: " << InflatedImage);
         return -1;
     }
-    if (os::bsp::Bsp_inflateArchive(image.get(), inflated.stream()) != 0) {
-        return -1;
+    const int result = os::bsp::Bsp_inflateArchive(image.get(), inflated.stream());
+    if (result != 0) {
+        return result;
     }
     TRACE_MESSAGE(bspTrace, trace::Information, "Bsp_inflateArchive() successful");
     return os::bsp::Bsp_findLinuxVersion(inflated.stream(), rstate);

@@ -4,6 +4,7 @@
 #include "HvxMessage.h"
 #include "firmware/ImageFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -43,7 +44,7 @@ std::uintmax_t totalMemory()
 std::unique_ptr<char[]> allocate(std::uintmax_t size)
 {
     // The kernel may promise more than there is, and kill whoever takes it at its word.
-    if (size > PTRDIFF_MAX || size > totalMemory()) {
+    if (size > std::min<std::uintmax_t>(totalMemory(), PTRDIFF_MAX)) {
         return nullptr;
     }
     return std::unique_ptr<char[]>(new (std::nothrow) char[static_cast<std::size_t>(size)]);
