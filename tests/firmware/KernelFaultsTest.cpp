@@ -1,8 +1,11 @@
 // The image cannot be read or positioned, the inflated kernel not be searched.
 
 #include "KernelFaults.h"
+#include "Allocations.h"
 
+#include <cstdint>
 #include <cstring>
+#include <new>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -69,6 +72,25 @@ TEST_F(KernelFaults, AnErrorAfterSomeBytesIsAnErrorOfTheFirstRead)
     EXPECT_EQ(askAgain(), failed());
     EXPECT_EQ(errno, EIO);
     EXPECT_EQ(reads, 2);
+    EXPECT_THAT(takeLines(Course),
+                ElementsAre("bsp.core 1 Bsp_findArchive(): File error before archive found. "
+                            "read() returned -1"));
+}
+
+TEST_F(KernelFaults, WithoutMemoryForItsBeginningNothingIsRead)
+{
+    hooks().read = [](int, void*, std::size_t) {
+        ADD_FAILURE();
+        return ssize_t{0};
+    };
+    testsupport::observeAllocations([](std::size_t size) {
+        if (size == 65536) {
+            throw std::bad_alloc();
+        }
+    });
+    const Answer answer = askAgain();
+    testsupport::observeAllocations(nullptr);
+    EXPECT_EQ(answer, failed());
     EXPECT_THAT(takeLines(Course),
                 ElementsAre("bsp.core 1 Bsp_findArchive(): File error before archive found. "
                             "read() returned -1"));
@@ -158,6 +180,24 @@ TEST_F(KernelFaults, WithoutAMappingThereIsNothingToSearch)
         return MAP_FAILED;
     };
     expectAnswer(failed(), {headerAt1000, inflated, noMapping, noVersion});
+}
+
+TEST_F(KernelFaults, TheLargestSizeThatThereCanBeIsMappedToo)
+{
+    hooks().fstat = [](int fd, struct stat* file) {
+        const int result = real().fstat(fd, file);
+        file->st_size = PTRDIFF_MAX;
+        return result;
+    };
+    std::size_t mapped = 0;
+    hooks().mmap = [&](void*, std::size_t size, int, int, int, off_t) {
+        mapped = size;
+        errno = ENOMEM;
+        return MAP_FAILED;
+    };
+    EXPECT_EQ(askAgain(), failed());
+    EXPECT_EQ(mapped, static_cast<std::size_t>(PTRDIFF_MAX));
+    takeLines();
 }
 
 TEST_F(KernelFaults, NothingBehindTheMappingIsRead)

@@ -185,6 +185,15 @@ TEST_F(UbootFaults, ReportsALackOfMemory)
     EXPECT_THAT(takeLines(), ElementsAre(error("Failed to allocate 501 bytes")));
 }
 
+TEST_F(UbootFaults, KeepsTheDeviceFromProgramsThatAreStarted)
+{
+    hooks().open = [](const char* path, int flags, mode_t mode) {
+        EXPECT_EQ(flags, O_RDONLY | O_CLOEXEC);
+        return real().open(path, flags, mode);
+    };
+    EXPECT_EQ(askFile("/dev/null"), (Answer{0, "Not found", "Not found"}));
+}
+
 TEST_F(UbootFaults, SearchesNoMoreThanWasRead)
 {
     const std::string name = directory.file("u-boot");

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -127,6 +128,31 @@ TEST(LowMemory, DropsALongMessageAsAWhole)
 
     TRACE_MESSAGE(channel, trace::Error, "cannot open " << name << ": " << errno);
     EXPECT_EQ(takeWritten(), "<TestBody(): cannot open " + name + ": 2>");
+}
+
+TEST(LowMemory, LeavesTheLongestTextThatNeedsNoneWhole)
+{
+    const std::string longest(512, 'n');
+    withoutMemory([&longest] {
+        trace::MessageText whole;
+        whole << longest;
+        EXPECT_EQ(whole.view(), longest);
+        EXPECT_FALSE(whole.isLost());
+        EXPECT_TRUE((whole << 'n').isLost());
+    });
+}
+
+std::size_t largest = 0;
+
+TEST(LowMemory, IsNotWastedOnALongText)
+{
+    const std::string name(5000, 'n');
+    trace::MessageText text;
+    testsupport::observeAllocations([](std::size_t size) { largest = std::max(largest, size); });
+    text << name;
+    testsupport::observeAllocations(nullptr);
+    EXPECT_EQ(text.view(), name);
+    EXPECT_LE(largest, 2 * name.size());
 }
 
 class LibraryWithoutMemory : public testing::TestWithParam<Misdeed>

@@ -112,6 +112,22 @@ TEST(Start, LeavesTheMutexesDescriptorOpen)
     EXPECT_THAT(mutexesDescriptors(), SizeIs(1));
 }
 
+TEST(Start, KeepsTheFirstNumberBehindTheStandardStreamsForTheMutexes)
+{
+    // Another number would cost two calls more.
+    constexpr int First = STDERR_FILENO + 1;
+    constexpr int Unused = 60;
+    useNxu4(Warm);
+    const int saved = ::fcntl(First, F_DUPFD_CLOEXEC, Unused);
+    ::close(First);
+    WarmDatabase::getInstance();
+    EXPECT_THAT(mutexesDescriptors(), ElementsAre(First));
+    if (saved != -1) {
+        ::dup2(saved, First);
+        ::close(saved);
+    }
+}
+
 /** In a program that has closed a standard stream. */
 class StartWithoutStream : public TestWithParam<int>
 {

@@ -32,6 +32,17 @@ TEST_F(FindOrCreate, CreatesOnce)
     EXPECT_THAT(takeLines(), ElementsAre(retrieved("A", 1, 9), synced("A", 1)));
 }
 
+TEST_F(FindOrCreate, IsReportedFromTheLevelOfInformationOn)
+{
+    WarmDatabase& database = open(warmboard::areaWith({{0, "A"}}));
+    recordingtrace::setLevel("Bsp.WarmDatabase", 5);
+    ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
+    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(retrieved("A", 1, 8), synced("A", 1)));
+    recordingtrace::setLevel("Bsp.WarmDatabase", 4);
+    ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
+    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+}
+
 TEST_F(FindOrCreate, HoldsTheSemaphoreAllTheTime)
 {
     WarmDatabase& database = open();
