@@ -5,13 +5,13 @@
  *     GetObjectData/N/P       finds the last of N objects; limit: one wait/post pair of a named
  *                             semaphore around a strcmp scan of N names 1024 bytes apart
  *     GetObjectDataFromC/N/P  the same through the C interface, against the same limit
- *     GetObjectDataTogether/P finds the last of 8 objects in P processes, all of which are
- * measured; limit: as above, in as many GetSlotId/P             Bsp_getSlotId; limit: lock, read
- * and unlock of a process-shared mutex
+ *     GetObjectDataTogether/P the last of 8 objects in P processes, all of them measured; limit:
+ *                             the same scan in as many
+ *     GetSlotId/P             Bsp_getSlotId; limit: lock, read and unlock of a process-shared mutex
  *
- * P processes do the same all the time; else one of them is measured. Batches of the operation and
- * of its limit take turns, so that a busy machine slows both down; "ratio" is that of their
- * medians.
+ * P processes do the same all the time; but for ...Together one of them is measured. Batches of the
+ * operation and of its limit take turns, so that a busy machine slows both down; "ratio" is that of
+ * their medians.
  *
  * It uses the names that all processes of a board share, so it wants a /dev/shm of its own:
  *
@@ -149,7 +149,7 @@ public:
     Others(std::size_t number, Operation operation, Limit limit)
     {
         Shared& shared = WarmSetting::get().shared();
-        shared.turn = Shared::Operation;
+        shared.turn = Shared::Wait;
         shared.done[Shared::Operation] = 0;
         shared.done[Shared::Limit] = 0;
         for (std::size_t i = 0; i < number; ++i) {
@@ -183,6 +183,9 @@ private:
     {
         const std::atomic<int>& turn = WarmSetting::get().shared().turn;
         while (turn != Shared::End) {
+            if (turn == Shared::Wait) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
             repeatDuring(Shared::Operation, operation);
             repeatDuring(Shared::Limit, limit);
         }

@@ -28,7 +28,8 @@ struct Shared
     {
         Operation,
         Limit,
-        End
+        End,
+        Wait
     };
 
     std::atomic<int> turn;

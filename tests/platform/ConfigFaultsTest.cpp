@@ -33,7 +33,7 @@ protected:
     /** What reading a key throws. */
     std::string errorOfGet()
     {
-        return thrownBy([this] { config.get("key"); });
+        return thrownBy<std::runtime_error>([this] { config.get("key"); });
     }
 
     const Board board;
@@ -289,7 +289,7 @@ TEST_F(ConfigOfRoot, NamesALockThatAnotherMayNotOpen)
     std::filesystem::permissions(board.file("settings.lock"), std::filesystem::perms(0200));
     EXPECT_TRUE(asAnother([&] {
         const settings::Deadline soon(std::chrono::milliseconds(10));
-        const std::string thrown = thrownBy([&] {
+        const std::string thrown = thrownBy<std::runtime_error>([&] {
             settings::change(
                 file, [](settings::SettingsText& text) { text.set("key", "other"); }, soon);
         });

@@ -30,7 +30,8 @@ protected:
             copy.write("settings", *store);
         }
         std::string value;
-        const std::string thrown = thrownBy([&value] { value = NxuConfig().get("key"); });
+        const std::string thrown =
+            thrownBy<std::runtime_error>([&value] { value = NxuConfig().get("key"); });
         ::setenv("BSP_BOARD_DIR", board.path().c_str(), 1);
         return thrown == "nothing" ? value : thrown;
     }

@@ -24,7 +24,7 @@ Entries entriesOf(const std::string& text)
 /** What a text is refused with. */
 std::string errorOf(const std::string& text)
 {
-    return testsupport::thrownBy([&text] { return SettingsText(text).text(); });
+    return testsupport::thrownBy<std::runtime_error>([&text] { return SettingsText(text).text(); });
 }
 
 /** The text with one setting alone. */

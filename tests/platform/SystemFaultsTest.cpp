@@ -219,7 +219,7 @@ protected:
     /** What changing the key throws. */
     std::string errorOfChange() const
     {
-        return thrownBy([this] {
+        return thrownBy<std::runtime_error>([this] {
             settings::change(
                 board.file("settings"),
                 [](settings::SettingsText& text) { text.set("key", "other"); },

@@ -144,9 +144,6 @@ TEST_P(RunStatus, SignalsEndTheCommand)
 
 TEST_P(RunStatus, IgnoredSignalsStayIgnored)
 {
-    if (!std::string(BSP_TEST_EMULATOR).empty()) {
-        GTEST_SKIP() << "the emulator passes no ignored signals on";
-    }
     expectOutput(prepared(shell("kill -HUP $$; echo alive"), [] { std::signal(SIGHUP, SIG_IGN); }),
                  "alive\n");
 }
@@ -159,9 +156,6 @@ TEST_P(RunStatus, NoticesTheEndThoughItsParentIgnoresEnds)
 
 TEST_P(RunStatus, TheTerminalsInterruptIsForTheCommandToHandle)
 {
-    if (!std::string(BSP_TEST_EMULATOR).empty()) {
-        GTEST_SKIP() << "the emulator lets no process adopt others";
-    }
     const testsupport::Terminal terminal;
     if (!terminal.user().isOpen()) {
         GTEST_SKIP() << "there are no pseudo terminals here";

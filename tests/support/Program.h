@@ -71,7 +71,8 @@ Program tool(const std::string& name, std::vector<std::string> arguments = {});
 /** The program of that path. */
 Program programAt(const std::string& path, std::vector<std::string> arguments = {});
 
-/** The same program; in its process that is done before it starts. */
+/** The same program; that, instead of what was to be done, is done in its process before it starts.
+ */
 Program prepared(Program program, std::function<void()> prepare);
 
 /** A row of a golden table: what a program is called with, and all that comes of it. */

@@ -7,13 +7,13 @@
 namespace testsupport
 {
 
-/** What the exception says that the work throws; "nothing" when it throws none. */
-template <typename Work> std::string thrownBy(const Work& work)
+/** What the exception of that type says that the work throws; "nothing" when it throws none. */
+template <typename Exception = std::exception, typename Work> std::string thrownBy(const Work& work)
 {
     try {
         work();
         return "nothing";
-    } catch (const std::exception& error) {
+    } catch (const Exception& error) {
         return error.what();
     }
 }

@@ -142,17 +142,18 @@ TEST(LowMemory, LeavesTheLongestTextThatNeedsNoneWhole)
     });
 }
 
-std::size_t largest = 0;
+std::size_t largestAllocation = 0;
 
 TEST(LowMemory, IsNotWastedOnALongText)
 {
     const std::string name(5000, 'n');
     trace::MessageText text;
-    testsupport::observeAllocations([](std::size_t size) { largest = std::max(largest, size); });
+    testsupport::observeAllocations(
+        [](std::size_t size) { largestAllocation = std::max(largestAllocation, size); });
     text << name;
     testsupport::observeAllocations(nullptr);
     EXPECT_EQ(text.view(), name);
-    EXPECT_LE(largest, 2 * name.size());
+    EXPECT_LE(largestAllocation, 2 * name.size());
 }
 
 class LibraryWithoutMemory : public testing::TestWithParam<Misdeed>

@@ -114,7 +114,7 @@ TEST(Start, LeavesTheMutexesDescriptorOpen)
 
 TEST(Start, KeepsTheFirstNumberBehindTheStandardStreamsForTheMutexes)
 {
-    // Another number would cost two calls more.
+    // Another descriptor would cost two calls more.
     constexpr int First = STDERR_FILENO + 1;
     constexpr int Unused = 60;
     useNxu4(Warm);

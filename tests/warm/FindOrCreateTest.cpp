@@ -34,13 +34,13 @@ TEST_F(FindOrCreate, CreatesOnce)
 
 TEST_F(FindOrCreate, IsReportedFromTheLevelOfInformationOn)
 {
-    WarmDatabase& database = open(warmboard::areaWith({{0, "A"}}));
+    WarmDatabase& database = open(areaWith({{0, "A"}}));
     recordingtrace::setLevel("Bsp.WarmDatabase", 5);
     ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
-    EXPECT_THAT(recordingtrace::takeLines(), ElementsAre(retrieved("A", 1, 8), synced("A", 1)));
+    EXPECT_THAT(takeLines(), ElementsAre(retrieved("A", 1, 8), synced("A", 1)));
     recordingtrace::setLevel("Bsp.WarmDatabase", 4);
     ASSERT_TRUE(database.getObjectData("A", &m_object, 8, &m_sync, m_created));
-    EXPECT_THAT(recordingtrace::takeLines(), IsEmpty());
+    EXPECT_THAT(takeLines(), IsEmpty());
 }
 
 TEST_F(FindOrCreate, HoldsTheSemaphoreAllTheTime)

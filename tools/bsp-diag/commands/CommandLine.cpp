@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
-#include <utility>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -47,10 +48,10 @@ int run(std::vector<std::string> arguments)
 
 } // namespace
 
-int runCommandLine(std::vector<std::string> arguments)
+int runCommandLine(int argc, char* argv[])
 {
     try {
-        return run(std::move(arguments));
+        return run({argv + std::min(argc, 1), argv + argc});
     } catch (const std::exception& error) {
         return report(error.what(), CannotLook);
     }

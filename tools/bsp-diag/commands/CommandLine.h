@@ -1,10 +1,7 @@
 #ifndef TOOLS_DIAG_COMMANDS_COMMANDLINE_H
 #define TOOLS_DIAG_COMMANDS_COMMANDLINE_H
 
-#include <string>
-#include <vector>
-
-/** Does what the arguments say, and returns the program's exit status. */
-int runCommandLine(std::vector<std::string> arguments);
+/** Does what main's arguments say, and returns the program's exit status. */
+int runCommandLine(int argc, char* argv[]);
 
 #endif
