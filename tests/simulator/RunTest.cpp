@@ -24,8 +24,8 @@ protected:
 
 TEST_P(Run, GivesTheCommandTheBoardsOwnDirectories)
 {
-    expectOutput(shell("echo memory > /dev/shm/m; echo file > /tmp/f; ls /sys/class/leds;cat "
-                       "/sys/class/leds/green/*; printf slow 1<> /sys/class/leds/red/trigger"),
+    expectOutput(shell("echo memory > /dev/shm/m; echo file > /tmp/f; ls /sys/class/leds;"
+                       "cat /sys/class/leds/green/*; printf slow 1<> /sys/class/leds/red/trigger"),
                  "green\nred\nyellow\nsteady_off\nnone [korvanta]\n");
     EXPECT_EQ(contents("b/shm/m"), "memory\n");
     EXPECT_EQ(contents("b/tmp/f"), "file\n");
@@ -192,9 +192,10 @@ TEST_P(Run, OpensNothingForTheCommand)
 TEST_P(Run, KeepsBoardsApart)
 {
     constexpr const char* script =
-        "echo $1 > /dev/shm/v; echo $1 > /tmp/v; echo $1 > /sys/class/leds/v;touch $1.ready; until "
-        "test -e 1.ready && test -e 2.ready && test -e 3.ready;do sleep 0.01; done;cat /dev/shm/v "
-        "/tmp/v /sys/class/leds/v > $1.out";
+        "echo $1 > /dev/shm/v; echo $1 > /tmp/v; echo $1 > /sys/class/leds/v;"
+        "touch $1.ready; until test -e 1.ready && test -e 2.ready && test -e 3.ready;"
+        "do sleep 0.01; done;"
+        "cat /dev/shm/v /tmp/v /sys/class/leds/v > $1.out";
     std::vector<pid_t> processes;
     for (const std::string name : {"1", "2", "3"}) {
         expectQuiet({"create", "board" + name});

@@ -45,7 +45,8 @@ TEST_P(RunVisible, PathsOnRequest)
         testsupport::writeFile(host.file("file"), "text\n");
         testsupport::writeFile(host.file("other"), "other\n");
         const Words command{"/bin/sh", "-c",
-                            "cd $0; cat file folder/inside; cat other; echo $?;echo more >> file",
+                            "cd $0; cat file folder/inside; cat other; echo $?;"
+                            "echo more >> file",
                             host.path()};
         Words words{"run", "--bind", host.file("folder"), "--bind=" + host.file("file"), file("b")};
         words.insert(words.end(), command.begin(), command.end());
@@ -119,9 +120,9 @@ TEST_P(RunVisible, NoProgramsThatOthersPutInFrontOfTheHosts)
 
 TEST_P(RunVisible, TheBoardsFilesToAllKindsOfSystemCalls)
 {
-    expectOutput(shell("cd /tmp; mkdir d; echo text > d/a; mv d/a b; ln b c; ln -s /tmp/c "
-                       "link;flock c cat link; stat -c %s b; mv c /dev/shm/c; ls -i /dev/shm/c | "
-                       "wc -l;cp -a b link /dev/shm; rm -r d; find /dev/shm -type l"),
+    expectOutput(shell("cd /tmp; mkdir d; echo text > d/a; mv d/a b; ln b c; ln -s /tmp/c link;"
+                       "flock c cat link; stat -c %s b; mv c /dev/shm/c; ls -i /dev/shm/c | wc -l;"
+                       "cp -a b link /dev/shm; rm -r d; find /dev/shm -type l"),
                  "text\n5\n1\n/dev/shm/link\n");
     EXPECT_EQ(contents("b/shm/c"), "text\n");
     EXPECT_EQ(contents("b/tmp/b"), "text\n");

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <iomanip>
 #include <sstream>
-#include <system_error>
 
 namespace
 {

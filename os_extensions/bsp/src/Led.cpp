@@ -88,8 +88,7 @@ bool buildPath(Path& path, const char* name, const char* file)
 {
     const int length =
         std::snprintf(path.data(), path.size(), "%s/%s/%s", hardware::LedsDirectory, name, file);
-    // A failure, -1, is no length that fits either.
-    return static_cast<std::size_t>(length) < path.size();
+    return length >= 0 && static_cast<std::size_t>(length) < path.size();
 }
 
 int Led_open(unsigned int led, const char* name)

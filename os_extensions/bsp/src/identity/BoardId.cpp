@@ -17,7 +17,6 @@ constexpr const char* UnknownBoard = "Unknown board revision";
 } // namespace
 
 // The texts are the boards' names as they were given; they do not follow the names of HwRevision.
-// The boards of a product stand in the order of their revisions: the last one is the latest.
 const BoardIdEntry Bsp_boardIdMap[Bsp_NoOfBoardIds] = {
     {boardId(ProductId::KT4752, 0), "KT4752_P2"},
     {boardId(ProductId::KT4752, 1), "KT4752_P3"},
@@ -63,10 +62,12 @@ const char* getBoardIdText()
 const char* getLatestBoardIdText()
 {
     const int product = static_cast<int>(getProductId());
+    int latest = -1;
     const char* text = UnknownBoard;
     for (const BoardIdEntry& entry : Bsp_boardIdMap) {
         // Meant as it stands: the revision is masked, not shifted out, so only product 0 is found.
-        if ((entry.boardId & ~0xF) == product) {
+        if ((entry.boardId & ~0xF) == product && entry.boardId > latest) {
+            latest = entry.boardId;
             text = entry.text;
         }
     }
