@@ -2,10 +2,10 @@
 
 #include "DiagTest.h"
 #include "Namespaces.h"
+#include "Patterns.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -94,7 +94,7 @@ protected:
             return !call.has("MAP_SHARED") || !call.has("PROT_WRITE");
         }
         if (call.name == "fcntl") {
-            return std::regex_search(call.text, std::regex("F_(GET|SET)F[DL]|F_DUPFD_CLOEXEC"));
+            return !testsupport::firstMatch(call.text, "F_(GET|SET)F[DL]|F_DUPFD_CLOEXEC").empty();
         }
         return isHarmlessName(call.name) || (call.name == "futex" && call.has("FUTEX_WAKE")) ||
                (call.name == "write" && call.has("write(1, ")) ||
@@ -131,12 +131,10 @@ protected:
     static double sleptIn(const std::vector<Call>& calls)
     {
         double sum = 0;
-        std::smatch time;
         for (const Call& call : calls) {
-            if (std::regex_search(call.text, time,
-                                  std::regex(R"(tv_sec=(\d+), tv_nsec=(\d+)\})")) &&
-                call.name == "clock_nanosleep")
-            {
+            const Words time =
+                testsupport::firstMatch(call.text, R"(tv_sec=([0-9]+), tv_nsec=([0-9]+)\})");
+            if (!time.empty() && call.name == "clock_nanosleep") {
                 sum += std::stod(time[1]) + std::stod(time[2]) / 1e9;
             }
         }
@@ -224,12 +222,13 @@ TEST_F(Calls, OpenForACapsuleWhatIsOfTheBoard)
     const StoreUser user(board(), {"slot", "5", "object", "LINK"});
     // Beside these: programs' libraries, which processes there are and what they have mapped, and
     // the system's settings that findings are about.
-    const std::regex ofTheSystem(
-        R"(/|/etc/ld\.so\.cache|.*/lib[\w+.-]*\.so[\d.]*|/etc/localtime|/proc|/proc/(self|\d+)/(maps|stat|status|task(/\d+/maps)?)|)"
-        R"(/proc/(stat|locks|sys/fs/protected_regular)|(/etc|/run|/usr/lib)/systemd/logind\.conf(\.d)?)");
+    const std::string ofTheSystem =
+        R"(^(/|/etc/ld\.so\.cache|.*/lib[[:alnum:]_+.-]*\.so[0-9.]*|/etc/localtime|/proc|)"
+        R"(/proc/(self|[0-9]+)/(maps|stat|status|task(/[0-9]+/maps)?)|)"
+        R"(/proc/(stat|locks|sys/fs/protected_regular)|(/etc|/run|/usr/lib)/systemd/logind\.conf(\.d)?)$)";
     std::set<std::string> paths;
     for (const Call& call : callsOf({"capture", file("capsule")})) {
-        if (call.name == "openat" && !std::regex_match(call.path(), ofTheSystem)) {
+        if (call.name == "openat" && testsupport::firstMatch(call.path(), ofTheSystem).empty()) {
             paths.insert(normal(call.path()));
         }
     }

@@ -1,7 +1,7 @@
 #include "DiagTest.h"
+#include "Patterns.h"
 
 #include <csignal>
-#include <regex>
 
 #include <semaphore.h>
 #include <sys/stat.h>
@@ -41,7 +41,7 @@ protected:
     std::string shown(const std::string& name) const
     {
         const std::string text = tool("bsp-board", {"show", "--json", file(name)}).run().out;
-        return std::regex_replace(text, std::regex(file(name)), "BOARD");
+        return testsupport::replaceMatches(text, file(name), "BOARD");
     }
 
     /** A document's answers of the layer. */

@@ -2,9 +2,9 @@
 
 #include "Namespaces.h"
 #include "OtherUser.h"
+#include "Patterns.h"
 
 #include <csignal>
-#include <regex>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -174,6 +174,8 @@ std::string DiagTest::normal(std::string text) const
     for (std::size_t at = text.find(board()); at != std::string::npos; at = text.find(board())) {
         text.replace(at, board().size(), "BOARD");
     }
-    text = std::regex_replace(text, std::regex(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d UTC)"), "TIME");
-    return std::regex_replace(text, std::regex(R"([\w-]+ \(\d+, since)"), "PROCESS (N, since");
+    text = testsupport::replaceMatches(
+        text, "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2} UTC", "TIME");
+    return testsupport::replaceMatches(text, R"([[:alnum:]_-]+ \([0-9]+, since)",
+                                       "PROCESS (N, since");
 }

@@ -3,6 +3,7 @@
 #include "Files.h"
 #include "FirmwareImages.h"
 #include "ManyThreads.h"
+#include "Patterns.h"
 #include "Program.h"
 #include "RealImages.h"
 #include "Sanitizers.h"
@@ -10,7 +11,6 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <regex>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -171,13 +171,13 @@ TEST_F(FirmwareTool, AnswersManyCallersAtOnce)
 /** The messages on standard error as "CHANNEL LEVEL TEXT"; numbers of descriptors as "N". */
 std::vector<std::string> messages(const std::string& err)
 {
-    const std::regex line(R"(\S+ (\S+)\[\d+\] (\d) (\S+):\d+ (.*))");
     std::vector<std::string> result;
     for (std::string text : linesOf(err)) {
-        std::smatch match;
-        if (std::regex_match(text, match, line)) {
-            text = match[1].str() + ' ' + match[2].str() + ' ' +
-                   std::regex_replace(match[4].str(), std::regex(R"(\(fd=\d+\))"), "(fd=N)");
+        const auto match =
+            firstMatch(text, R"(^[^ ]+ ([^ ]+)\[[0-9]+\] ([0-9]) [^ ]+:[0-9]+ (.*)$)");
+        if (!match.empty()) {
+            text = match[1] + ' ' + match[2] + ' ' +
+                   replaceMatches(match[3], R"(\(fd=[0-9]+\))", "(fd=N)");
         }
         result.push_back(text);
     }
