@@ -38,11 +38,15 @@ if(BSP_SANITIZE)
     -fsanitize=${BSP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(bsp_compile_options INTERFACE -fsanitize=${BSP_SANITIZE})
 endif()
+
+# What is compiled with these is what evidence/coverage counts.
+add_library(bsp_counted_options INTERFACE)
+target_link_libraries(bsp_counted_options INTERFACE bsp_compile_options)
 if(BSP_COVERAGE)
   # Counters live in mapped files, so that programs that are killed or replaced are counted too.
   set(BSP_PROFILES ${CMAKE_BINARY_DIR}/profiles)
-  target_compile_options(bsp_compile_options INTERFACE
+  target_compile_options(bsp_counted_options INTERFACE
     "-fprofile-instr-generate=${BSP_PROFILES}/%m%c.profraw" -fcoverage-mapping
     "SHELL:-mllvm -runtime-counter-relocation")
-  target_link_options(bsp_compile_options INTERFACE -fprofile-instr-generate)
+  target_link_options(bsp_counted_options INTERFACE -fprofile-instr-generate)
 endif()
