@@ -1,5 +1,5 @@
 #!/bin/sh
-# Unpacks the libraries of the target that the cross compiler does not bring: zlib, CLI11, JSON.
+# Unpacks the libraries of the target that the cross compiler does not bring: zlib, CLI11, JSON, GoogleTest.
 # usage: cmake/arm-sysroot.sh DIRECTORY [SECTION]
 #
 # SECTION of packaging/requirements, sysroot if not given, names the packages.
