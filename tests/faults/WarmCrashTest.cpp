@@ -125,7 +125,7 @@ class WarmCrash : public testing::TestWithParam<Scenario>
 protected:
     WarmCrash()
     {
-        if (std::getenv("BSP_TEST_ISOLATION") == nullptr) {
+        if (std::getenv("BSP_TEST_PRIVATE_BOARD") == nullptr) {
             throw std::logic_error("this is not a private board");
         }
         // NXU4A, which has a reset register.

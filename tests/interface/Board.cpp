@@ -15,7 +15,7 @@ namespace interface
 
 void makeBoard()
 {
-    if (std::getenv("BSP_TEST_ISOLATION") == nullptr) {
+    if (std::getenv("BSP_TEST_PRIVATE_BOARD") == nullptr) {
         throw std::logic_error("this is not a private board");
     }
     for (const char* folder : {"/dev/shm", "/tmp", "/sys/class/leds"}) {

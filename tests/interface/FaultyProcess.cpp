@@ -167,7 +167,7 @@ std::vector<std::string> linesOf(const std::string& text)
 
 bool isTraced()
 {
-    const char* const isolation = std::getenv("BSP_TEST_ISOLATION");
+    const char* const isolation = std::getenv("BSP_TEST_PRIVATE_BOARD");
     return isolation != nullptr && std::strcmp(isolation, "proot") == 0;
 }
 
