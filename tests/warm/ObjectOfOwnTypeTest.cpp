@@ -36,8 +36,9 @@ std::vector<std::string> alarmLines()
     return recordingtrace::takeLinesOf("test.alarms");
 }
 
-const std::string retrieved = "test.alarms 5 obtainAlarms(): The ALARMS object was successfully "
-                              "retrieved from the warm database";
+const std::string alarmsRetrieved =
+    "test.alarms 5 obtainAlarms(): The ALARMS object was successfully "
+    "retrieved from the warm database";
 
 TEST(ObjectOfOwnType, BeginsWithTheInitialValue)
 {
@@ -45,8 +46,8 @@ TEST(ObjectOfOwnType, BeginsWithTheInitialValue)
     WarmObject<Alarms>* const alarms = obtainAlarms();
     ASSERT_NE(alarms, nullptr);
     EXPECT_THAT(alarmLines(),
-                ElementsAre(retrieved, "test.alarms 5 obtainAlarms(): The ALARMS object was "
-                                       "created, initializing the object contents"));
+                ElementsAre(alarmsRetrieved, "test.alarms 5 obtainAlarms(): The ALARMS object was "
+                                             "created, initializing the object contents"));
     EXPECT_EQ(alarms->value.count, 1);
     EXPECT_STREQ(alarms->value.last, "none");
     const auto guard = alarms->lock();
@@ -62,7 +63,7 @@ TEST(ObjectOfOwnType, IsOneForAllWhoObtainIt)
     alarmLines();
     EXPECT_EQ(obtainAlarms(), alarms);
     EXPECT_THAT(alarmLines(),
-                ElementsAre(retrieved, "test.alarms 5 obtainAlarms(): 7 alarms, fan"));
+                ElementsAre(alarmsRetrieved, "test.alarms 5 obtainAlarms(): 7 alarms, fan"));
     EXPECT_EQ(alarms->value.count, 7);
 
     const std::string area = warmboard::area();

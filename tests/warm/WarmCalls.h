@@ -2,7 +2,7 @@
  * @file
  * @brief The system calls of the warm database, recorded from the beginning and made to fail.
  *
- * A test that uses it wraps what CMakeLists.txt lists as system_calls.
+ * A test that uses it wraps what CMakeLists.txt lists for warm_test.
  */
 #ifndef TESTS_WARM_WARMCALLS_H
 #define TESTS_WARM_WARMCALLS_H
