@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <optional>
 
 namespace
 {
@@ -19,34 +20,47 @@ using os::bsp::ProductId;
 using recordingtrace::takeLines;
 using namespace testing;
 
-int product = 0;
-int revision = 0;
+/** What the layer's own queries answer. */
+struct Script
+{
+    int product;
+    int revision;
+};
+
+std::optional<Script> script; // Without it they are the layer's.
 std::vector<std::string> questions;
 
 } // namespace
 
 // Calls of the layer's own queries from other files come here.
+ProductId realProductId() __asm__("__real__ZN2os3bsp12getProductIdEv");
 ProductId scriptedProductId() __asm__("__wrap__ZN2os3bsp12getProductIdEv");
 ProductId scriptedProductId()
 {
+    if (!script) {
+        return realProductId();
+    }
     questions.emplace_back("product");
-    return static_cast<ProductId>(product);
+    return static_cast<ProductId>(script->product);
 }
 
+int realHwRevision() __asm__("__real__ZN2os3bsp13getHwRevisionEv");
 int scriptedHwRevision() __asm__("__wrap__ZN2os3bsp13getHwRevisionEv");
 int scriptedHwRevision()
 {
+    if (!script) {
+        return realHwRevision();
+    }
     questions.emplace_back("revision");
-    return revision;
+    return script->revision;
 }
 
 namespace
 {
 
-void setBoard(int newProduct, int newRevision)
+void setBoard(int product, int revision)
 {
-    product = newProduct;
-    revision = newRevision;
+    script = {product, revision};
 }
 
 struct Board
@@ -105,6 +119,7 @@ TEST(BoardId, TakesTheRevisionAsItIs)
 
 TEST(BoardId, AsksForTheProductFirst)
 {
+    setBoard(0, 0);
     os::bsp::getBoardId();
     EXPECT_THAT(questions, ElementsAre("product", "revision"));
 }
@@ -120,10 +135,10 @@ TEST(BoardIdText, IsThatOfTheKnownBoard)
 
 TEST(BoardIdText, IsFixedForUnknownBoards)
 {
-    for (const auto& [newProduct, newRevision] :
+    for (const auto& [product, revision] :
          {std::pair{5, 0}, {1, 7}, {0, 3}, {2, 1}, {3, 1}, {4, 7}, {18, 0}, {1, -1}, {0, INT_MIN}})
     {
-        setBoard(newProduct, newRevision);
+        setBoard(product, revision);
         EXPECT_STREQ(os::bsp::getBoardIdText(), "Unknown board revision");
         EXPECT_STREQ(Bsp_getBoardIdText(), "Unknown board revision");
     }
@@ -201,6 +216,7 @@ TEST(NumberOfChannels, AsksForTheProductAgainForItsMessageOnly)
 
 TEST(BoardId, TouchesTheBoardOnlyThroughProductAndRevision)
 {
+    setBoard(0, 0);
     os::bsp::getBoardIdText();
     os::bsp::getLatestBoardIdText();
     EXPECT_EQ(fakeboard::eeprom().reads, 0);

@@ -1,5 +1,6 @@
 #include "Bsp.h"
 #include "FakeBoard.h"
+#include "Messages.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
@@ -16,9 +17,6 @@ using os::bsp::NxuHwCode;
 using os::bsp::ProductId;
 using recordingtrace::takeLines;
 using namespace testing;
-
-constexpr const char* InvalidVariant = "bsp.core 1 operator()(): Invalid hardware variant";
-constexpr const char* ReadFailed = "bsp.core 1 operator()(): e2prom_data_read() failed. Returned ";
 
 const NxuHwCode SomeCode{{1, 2, 3, 4, 5, 6, 7, 8}};
 
@@ -86,14 +84,14 @@ TEST(HwCode, IsTheDefaultVariantsWhenItCannotBeRead)
     eeprom().result = 5;
     EXPECT_EQ(getHwRevision(), 24);
     EXPECT_EQ(selectedRow(), 14);
-    EXPECT_THAT(takeLines(), ElementsAre(std::string(ReadFailed) + "5"));
+    EXPECT_THAT(takeLines(), ElementsAre(readFailed(5)));
 }
 
 TEST(HwCode, CannotBeReadWhenTheResultIsNegative)
 {
     eeprom().result = -5;
     EXPECT_EQ(selectedRow(), 14);
-    EXPECT_THAT(takeLines(), ElementsAre(std::string(ReadFailed) + "-5"));
+    EXPECT_THAT(takeLines(), ElementsAre(readFailed(-5)));
 }
 
 TEST(HwCode, IsNotSpoiledByAReadThatFailsHalfway)
@@ -102,7 +100,7 @@ TEST(HwCode, IsNotSpoiledByAReadThatFailsHalfway)
     fakeboard::setCode(SomeCode);
     eeprom().result = 1;
     EXPECT_EQ(selectedRow(), 14);
-    EXPECT_THAT(takeLines(), ElementsAre(std::string(ReadFailed) + "1"));
+    EXPECT_THAT(takeLines(), ElementsAre(readFailed(1)));
 }
 
 TEST(HwCode, OfTheDefaultVariantIsSearchedForLikeAnyOther)
@@ -110,7 +108,7 @@ TEST(HwCode, OfTheDefaultVariantIsSearchedForLikeAnyOther)
     variant(3).code = variant(14).code;
     eeprom().result = 1;
     EXPECT_EQ(selectedRow(), 3);
-    EXPECT_THAT(takeLines(), ElementsAre(std::string(ReadFailed) + "1"));
+    EXPECT_THAT(takeLines(), ElementsAre(readFailed(1)));
 }
 
 TEST(HwCode, OfNoVariantSelectsTheFirstNotTheDefault)
@@ -118,7 +116,7 @@ TEST(HwCode, OfNoVariantSelectsTheFirstNotTheDefault)
     fakeboard::setCode(SomeCode);
     EXPECT_EQ(getHwRevision(), 10);
     EXPECT_EQ(selectedRow(), 0);
-    EXPECT_THAT(takeLines(), ElementsAre(InvalidVariant));
+    EXPECT_THAT(takeLines(), ElementsAre(invalidVariant));
 }
 
 TEST(HwCode, OfNoVariantIsReportedOnce)
@@ -129,7 +127,7 @@ TEST(HwCode, OfNoVariantIsReportedOnce)
     getProductId();
     Bsp_getNxuHwVariant();
     os::bsp::getBoardIdText();
-    EXPECT_THAT(takeLines(), ElementsAre(InvalidVariant));
+    EXPECT_THAT(takeLines(), ElementsAre(invalidVariant));
 }
 
 TEST(HwCode, IsReadAndSearchedForOnceEvenWhenBothFail)
@@ -142,7 +140,7 @@ TEST(HwCode, IsReadAndSearchedForOnceEvenWhenBothFail)
     EXPECT_EQ(eeprom().reads, 1);
     // The platform's own message quotes variant 0.
     EXPECT_THAT(takeLines(),
-                ElementsAre(std::string(ReadFailed) + "7", InvalidVariant,
+                ElementsAre(readFailed(7), invalidVariant,
                             "bsp.core 1 getPlatformType(): Unknown platformType: 100"));
 }
 

@@ -5,6 +5,7 @@
 #include "Bsp.h"
 #include "FakeBoard.h"
 #include "ManyThreads.h"
+#include "Messages.h"
 #include "RecordingTrace.h"
 #include "SystemCalls.h"
 
@@ -91,9 +92,7 @@ TEST(Once, AFailureIsReportedForAllThreadsTogether)
     });
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(eeprom().reads, 1);
-    EXPECT_THAT(takeLines(), testing::ElementsAre(
-                                 "bsp.core 1 operator()(): e2prom_data_read() failed. Returned 3",
-                                 "bsp.core 1 operator()(): Invalid hardware variant"));
+    EXPECT_THAT(takeLines(), testing::ElementsAre(readFailed(3), invalidVariant));
 }
 
 TEST(Once, TheRadiolinkModeIsReadByAllThreadsTogether)
@@ -130,9 +129,7 @@ TEST_P(Query, ReadsTheEepromOnce)
     ask();
     ask();
     EXPECT_EQ(eeprom().reads, 1);
-    EXPECT_THAT(
-        takeLines(),
-        Contains("bsp.core 1 operator()(): e2prom_data_read() failed. Returned 2").Times(1));
+    EXPECT_THAT(takeLines(), Contains(readFailed(2)).Times(1));
 }
 
 TEST_P(Query, PassesAnExceptionOfTheRead)

@@ -1,5 +1,6 @@
 #include "Bsp.h"
 #include "FakeBoard.h"
+#include "Messages.h"
 #include "RecordingTrace.h"
 
 #include <gmock/gmock.h>
@@ -20,8 +21,6 @@ constexpr std::size_t PlatformWord = 1;
 constexpr std::size_t ControlBackplaneWord = 2;
 constexpr std::size_t TrafficWord = 3;
 constexpr std::size_t DspWord = 5;
-
-constexpr const char* InvalidVariant = "bsp.core 1 operator()(): Invalid hardware variant";
 
 /** The board's hardware code has this word, no variant has the code. */
 void setForeignWord(std::size_t index, int value)
@@ -45,7 +44,7 @@ template <typename Enumeration> std::function<int()> asInt(Enumeration (*query)(
 }
 
 /** One query that decides on a word of the hardware code. */
-struct Query
+struct WordQuery
 {
     const char* name;
     std::size_t word;
@@ -59,15 +58,15 @@ struct Query
     bool quotesTheCode;
 };
 
-Query query(const char* name, std::size_t word, const std::function<int()>& ask,
-            const std::function<int()>& askFromC, const std::vector<std::string>& entry,
-            const std::map<int, int>& known, const std::set<int>& unknown, int answer,
-            const char* complaint, bool quotesTheCode = false)
+WordQuery query(const char* name, std::size_t word, const std::function<int()>& ask,
+                const std::function<int()>& askFromC, const std::vector<std::string>& entry,
+                const std::map<int, int>& known, const std::set<int>& unknown, int answer,
+                const char* complaint, bool quotesTheCode = false)
 {
     return {name, word, ask, askFromC, entry, known, unknown, answer, complaint, quotesTheCode};
 }
 
-const Query queries[] = {
+const WordQuery wordQueries[] = {
     query("getTrafFpgaType", TrafficWord, asInt(os::bsp::getTrafFpgaType), Bsp_getTrafFpgaType, {},
           {{0, 6}, {3, 12}, {4, 14}, {5, 15}, {6, 17}, {7, 18}, {8, 19}}, {1, 2, 9, 255}, 23,
           "Not supported traffic FPGA: "),
@@ -91,7 +90,7 @@ const Query queries[] = {
 /** A value of a query's word. */
 struct Case
 {
-    const Query* query;
+    const WordQuery* query;
     int value;
 
     friend std::ostream& operator<<(std::ostream& stream, const Case& each)
@@ -103,7 +102,7 @@ struct Case
 std::vector<Case> cases(bool areKnown)
 {
     std::vector<Case> result;
-    for (const Query& query : queries) {
+    for (const WordQuery& query : wordQueries) {
         for (int value = 0; value < 256; ++value) {
             if (areKnown ? query.known.count(value) == 1 : query.unknown.count(value) == 1) {
                 result.push_back({&query, value});
@@ -134,7 +133,7 @@ protected:
     }
     int answer() const { return query.known.at(value); }
 
-    const Query& query = *GetParam().query;
+    const WordQuery& query = *GetParam().query;
     const int value = GetParam().value;
 };
 using KnownWord = Word;
@@ -160,8 +159,7 @@ TEST_P(KnownWord, IsTakenFromTheDefaultWhenTheCodeCannotBeRead)
 {
     setDefaultWord(query.word, value);
     EXPECT_EQ(query.ask(), answer());
-    EXPECT_EQ(takeLines(),
-              query.entry + "bsp.core 1 operator()(): e2prom_data_read() failed. Returned 1");
+    EXPECT_EQ(takeLines(), query.entry + readFailed(1));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, KnownWord, ValuesIn(cases(true)), nameOf);
@@ -182,7 +180,7 @@ TEST_P(UnknownWord, IsQuotedAsTheVariantHasItWhenNoneHasTheCode)
     if (query.quotesTheCode) {
         EXPECT_EQ(takeLines(), query.entry + complaint(value));
     } else {
-        EXPECT_EQ(takeLines(), query.entry + InvalidVariant + complaint(77));
+        EXPECT_EQ(takeLines(), query.entry + invalidVariant + complaint(77));
         query.ask();
         EXPECT_EQ(takeLines(), query.entry + complaint(77));
     }
@@ -194,9 +192,9 @@ TEST(UnknownWord, MayBeNegativeInTheDefault)
 {
     setDefaultWord(TrafficWord, -1);
     EXPECT_EQ(Bsp_getTrafFpgaType(), 23);
-    EXPECT_THAT(takeLines(),
-                ElementsAre("bsp.core 1 operator()(): e2prom_data_read() failed. Returned 1",
-                            "bsp.core 1 getTrafFpgaType(): Not supported traffic FPGA: -1"));
+    EXPECT_THAT(
+        takeLines(),
+        ElementsAre(readFailed(1), "bsp.core 1 getTrafFpgaType(): Not supported traffic FPGA: -1"));
 }
 
 TEST(UnknownWord, IsNotLookedUpForADisabledMessage)
@@ -227,7 +225,7 @@ TEST(NumberOfChannels, ReportsTheVariantFirst)
     fakeboard::setCode({{1, 2, 3, 4, 5, 6, 7, 8}});
     variant(0).productCode = 11;
     EXPECT_EQ(os::bsp::getNumberOfChannels(), 2U);
-    EXPECT_THAT(takeLines(), ElementsAre("bsp.core 6 ENTER getNumberOfChannels()", InvalidVariant,
+    EXPECT_THAT(takeLines(), ElementsAre("bsp.core 6 ENTER getNumberOfChannels()", invalidVariant,
                                          "bsp.core 7 getNumberOfChannels(): numberOfChannels = 2"));
 }
 
