@@ -105,20 +105,20 @@ TEST_F(CreateLeftovers, AreNotTakenAwayWhereOthersGiveTheNames)
     EXPECT_THAT(entries("shared"), ElementsAre("b", "c"));
 }
 
-struct Case
+struct ReplacedEntry
 {
     const char* name;
     const char* entry;  /**< What is replaced. */
     const char* target; /**< What the link there leads to. */
 };
 
-void PrintTo(const Case& parameter, std::ostream* stream)
+void PrintTo(const ReplacedEntry& parameter, std::ostream* stream)
 {
     *stream << parameter.entry;
 }
 
 /** While a board restarts, something of it is replaced by a link to what must not be touched. */
-class RestartLinks : public Interrupted, public testing::WithParamInterface<Case>
+class RestartLinks : public Interrupted, public testing::WithParamInterface<ReplacedEntry>
 {
 protected:
     void SetUp() override
@@ -179,18 +179,19 @@ TEST_P(RestartLinks, AreNotFollowedAtAnyMoment)
     EXPECT_GT(call - first, 20) << "there must have been many moments";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, RestartLinks,
-                         testing::Values(Case{"SharedMemory", "b/shm", "keep"},
-                                         Case{"TemporaryFiles", "b/tmp", "keep"},
-                                         Case{"BelowTemporaryFiles", "b/tmp/some", "keep"},
-                                         Case{"Memory", "b/top.dtcm0", "keep/file"},
-                                         Case{"Registers", "b/top.sys_ctrl0", "keep/file"},
-                                         Case{"Leds", "b/leds", "keep"},
-                                         Case{"Led", "b/leds/red", "keep/red"},
-                                         Case{"Trigger", "b/leds/red/trigger", "keep/file"},
-                                         Case{"State", "b/leds/red/korvanta_state", "keep/file"},
-                                         Case{"Marker", "b/tmp/restart_cold", "keep/file"}),
-                         [](const auto& each) { return std::string(each.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Of, RestartLinks,
+    testing::Values(ReplacedEntry{"SharedMemory", "b/shm", "keep"},
+                    ReplacedEntry{"TemporaryFiles", "b/tmp", "keep"},
+                    ReplacedEntry{"BelowTemporaryFiles", "b/tmp/some", "keep"},
+                    ReplacedEntry{"Memory", "b/top.dtcm0", "keep/file"},
+                    ReplacedEntry{"Registers", "b/top.sys_ctrl0", "keep/file"},
+                    ReplacedEntry{"Leds", "b/leds", "keep"},
+                    ReplacedEntry{"Led", "b/leds/red", "keep/red"},
+                    ReplacedEntry{"Trigger", "b/leds/red/trigger", "keep/file"},
+                    ReplacedEntry{"State", "b/leds/red/korvanta_state", "keep/file"},
+                    ReplacedEntry{"Marker", "b/tmp/restart_cold", "keep/file"}),
+    [](const auto& each) { return std::string(each.param.name); });
 
 class RestartHardLinks : public SimulatorTest
 {};

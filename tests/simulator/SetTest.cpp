@@ -170,20 +170,20 @@ TEST_F(Set, SaysThatTheStoreRefuses)
                   "the store of 'b' does not take 'RadiolinkMode'");
 }
 
-struct Case
+struct RestartedBoard
 {
     const char* product;
     const char* restart;
     const char* slotId; /**< What is left of slot id 5. */
 };
 
-void PrintTo(const Case& parameter, std::ostream* stream)
+void PrintTo(const RestartedBoard& parameter, std::ostream* stream)
 {
     *stream << parameter.product << ' ' << parameter.restart;
 }
 
 /** A program on the board sets the slot id, another one asks for it after a restart. */
-class Slot : public SimulatorTest, public testing::WithParamInterface<Case>
+class Slot : public SimulatorTest, public testing::WithParamInterface<RestartedBoard>
 {
 protected:
     std::string slot(const Words& arguments = {}) const
@@ -206,20 +206,22 @@ TEST_P(Slot, IsKeptOrLostByARestart)
               testsupport::answer(std::string(GetParam().slotId) + '\n'));
 }
 
-std::string nameOf(const testing::TestParamInfo<Case>& info)
+std::string nameOf(const testing::TestParamInfo<RestartedBoard>& info)
 {
     return std::string(info.param.product) + '_' + info.param.restart;
 }
 
 // The first decides by a register, the second by a marker; the third keeps nothing.
 INSTANTIATE_TEST_SUITE_P(Boards, Slot,
-                         testing::Values(Case{"NXU4A", "warm", "5"}, Case{"NXU4A", "watchdog", "5"},
-                                         Case{"NXU4A", "cold", "-1"}, Case{"KT4851_4", "warm", "5"},
-                                         Case{"KT4851_4", "watchdog", "5"},
-                                         Case{"KT4851_4", "cold", "-1"},
-                                         Case{"KT4766", "warm", "-1"},
-                                         Case{"KT4766", "watchdog", "-1"},
-                                         Case{"KT4766", "cold", "-1"}),
+                         testing::Values(RestartedBoard{"NXU4A", "warm", "5"},
+                                         RestartedBoard{"NXU4A", "watchdog", "5"},
+                                         RestartedBoard{"NXU4A", "cold", "-1"},
+                                         RestartedBoard{"KT4851_4", "warm", "5"},
+                                         RestartedBoard{"KT4851_4", "watchdog", "5"},
+                                         RestartedBoard{"KT4851_4", "cold", "-1"},
+                                         RestartedBoard{"KT4766", "warm", "-1"},
+                                         RestartedBoard{"KT4766", "watchdog", "-1"},
+                                         RestartedBoard{"KT4766", "cold", "-1"}),
                          nameOf);
 
 } // namespace
