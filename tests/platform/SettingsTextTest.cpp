@@ -101,7 +101,7 @@ TEST(SettingsText, TakesKeysUpToALimit)
     EXPECT_EQ(entriesOf(text.text()), Entries({{std::string(511, '\xFF'), "value"}}));
 }
 
-const std::string written = "# The board on the roof\n"
+const std::string Written = "# The board on the roof\n"
                             "\n"
                             "  RadiolinkMode = Rl4  \n"
                             "#FpgaVariant=TwoTdm\n"
@@ -110,8 +110,8 @@ const std::string written = "# The board on the roof\n"
 
 TEST(SettingsText, KeepsTheLinesThatAreNotChanged)
 {
-    SettingsText text(written);
-    EXPECT_EQ(text.text(), written + '\n');
+    SettingsText text(Written);
+    EXPECT_EQ(text.text(), Written + '\n');
     text.set("RadiolinkMode", "Rl5");
     text.set("FpgaVariant", "TwoTdm");
     EXPECT_EQ(text.text(), "# The board on the roof\n"

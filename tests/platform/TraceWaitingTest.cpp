@@ -233,7 +233,7 @@ protected:
     /** A message as the system log gets it. */
     static std::string message(const std::string& text)
     {
-        return "<11>platform_trace_test: [-0-9T:.]+Z channel[[]" + std::to_string(::getpid()) +
+        return "<11>platform_test: [-0-9T:.]+Z channel[[]" + std::to_string(::getpid()) +
                "[]] 1 folder/file[.]cpp:42 " + text;
     }
 
@@ -255,7 +255,7 @@ TEST_F(WaitingSystemLog, MayBeFull)
     EXPECT_LT(first.size(), Many);
     EXPECT_THAT(first, Each(MatchesRegex(message("early"))));
     trace("text");
-    EXPECT_THAT(receiveAll(log), ElementsAre(AllOf(StartsWith("<11>platform_trace_test: "),
+    EXPECT_THAT(receiveAll(log), ElementsAre(AllOf(StartsWith("<11>platform_test: "),
                                                    EndsWith(" messages lost: " +
                                                             std::to_string(Many - first.size()))),
                                              MatchesRegex(message("text"))));
