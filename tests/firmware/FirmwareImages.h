@@ -20,6 +20,8 @@ std::string kernelImage(const std::string& inflated);
  * compress. */
 std::string noise(std::size_t size, unsigned int seed = 1);
 
+inline const std::string nul(1, '\0');
+
 } // namespace firmware
 
 #endif

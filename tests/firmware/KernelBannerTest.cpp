@@ -16,8 +16,6 @@ using namespace firmware;
 using recordingtrace::takeLines;
 using testing::ElementsAre;
 
-const std::string nul(1, '\0');
-
 /** Each of them by itself, at the end of the kernel, and with more behind it. */
 void expectAll(const Answer& answer, const std::vector<std::string>& kernels)
 {

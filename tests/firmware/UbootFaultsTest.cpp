@@ -17,6 +17,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace uboot
+{
+
 namespace
 {
 
@@ -25,7 +28,6 @@ using recordingtrace::takeLines;
 using namespace systemcalls;
 using namespace testing;
 using namespace testsupport;
-using namespace uboot;
 
 const Answer nothingFound{0, "Not found", "Not found"};
 
@@ -262,3 +264,5 @@ TEST_F(UbootFaults, LeaksNothingHoweverOftenItFails)
 }
 
 } // namespace
+
+} // namespace uboot

@@ -7,23 +7,24 @@
 
 #include <cstring>
 
+namespace uboot
+{
+
 namespace
 {
 
-using firmware::noise;
+using namespace firmware;
 using recordingtrace::takeLines;
 using namespace testing;
 using namespace testsupport;
-using namespace uboot;
 
-const std::string nul(1, '\0');
 const std::string parsing = "bsp.core 6 Bsp_getUbootProductInfo(): Start parsing for u-boot "
                             "strings:";
 
 TEST(UbootProductInfo, TracesAllStepsOnARealBootLoader)
 {
-    EXPECT_EQ(askFile(firmware::realBootLoader), (Answer{0, "PN-4402/17", "R2B"}));
-    EXPECT_EQ(takeLines(), firmware::courseOfRealBootLoader());
+    EXPECT_EQ(askFile(realBootLoader), (Answer{0, "PN-4402/17", "R2B"}));
+    EXPECT_EQ(takeLines(), courseOfRealBootLoader());
 }
 
 TEST(UbootProductInfo, IsWhatStandsBehindTheLabels)
@@ -109,3 +110,5 @@ TEST(UbootProductInfo, IsPaddedWithNulsAndStaysWithinItsRoom)
 }
 
 } // namespace
+
+} // namespace uboot
