@@ -30,20 +30,20 @@ void makeLeds()
 }
 
 const Outcome Failed = refusal("Error: failed to set LED state.\n");
-const Outcome Usage = refusal("Error: valid arguments are <LEDname> <state>\n"
-                              "Available LEDs are:\n"
-                              "yellow\n"
-                              "red\n"
-                              "green\n"
-                              "\n"
-                              "Available states are:\n"
-                              "steady_off\n"
-                              "steady_on\n"
-                              "standby_hot\n"
-                              "standby_cold\n"
-                              "slow\n"
-                              "fast\n"
-                              "interrupting\n");
+const Outcome SetStateUsage = refusal("Error: valid arguments are <LEDname> <state>\n"
+                                      "Available LEDs are:\n"
+                                      "yellow\n"
+                                      "red\n"
+                                      "green\n"
+                                      "\n"
+                                      "Available states are:\n"
+                                      "steady_off\n"
+                                      "steady_on\n"
+                                      "standby_hot\n"
+                                      "standby_cold\n"
+                                      "slow\n"
+                                      "fast\n"
+                                      "interrupting\n");
 
 TEST(LedGroup, SetsTheLedOrSaysWhyNot)
 {
@@ -53,9 +53,9 @@ TEST(LedGroup, SetsTheLedOrSaysWhyNot)
            "Usage: led <function> [arguments]\n", 1}},
          "green",
          ""},
-        {{{"setState"}, Usage}, "green", ""},
-        {{{"setState", "green"}, Usage}, "green", ""},
-        {{{"setState", "purple"}, Usage}, "green", ""},
+        {{{"setState"}, SetStateUsage}, "green", ""},
+        {{{"setState", "green"}, SetStateUsage}, "green", ""},
+        {{{"setState", "purple"}, SetStateUsage}, "green", ""},
         {{{"setState", "green", "slow"}, answer()}, "green", "slow"},
         {{{"setState", "yellow", "interrupting"}, answer()}, "yellow", "interrupting"},
         {{{"setState", "yellow", "interrupting"}, answer()}, "red", ""},
